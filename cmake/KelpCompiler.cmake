@@ -1,0 +1,51 @@
+# SPDX-License-Identifier: Apache-2.0
+# What every target is compiled with, and the sanitizers.
+
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_C_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+
+if(NOT CMAKE_BUILD_TYPE)
+    set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "How to build" FORCE)
+endif()
+
+find_program(KELP_CCACHE ccache)
+if(KELP_CCACHE)
+    set(CMAKE_C_COMPILER_LAUNCHER ${KELP_CCACHE})
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${KELP_CCACHE})
+endif()
+
+add_compile_options(-Wall -Wextra -Wpedantic)
+if(KELP_WERROR)
+    add_compile_options(-Werror)
+endif()
+
+if(KELP_SANITIZE STREQUAL "address")
+    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=address,undefined)
+elseif(KELP_SANITIZE STREQUAL "thread")
+    add_compile_options(-fsanitize=thread -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=thread)
+elseif(NOT KELP_SANITIZE STREQUAL "")
+    message(FATAL_ERROR "KELP_SANITIZE is \"${KELP_SANITIZE}\": leave it empty, or set it to address or thread")
+endif()
+
+if(KELP_COVERAGE)
+    add_compile_options(--coverage -fprofile-update=atomic)
+    add_link_options(--coverage)
+endif()
+
+if(KELP_FUZZ AND NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    message(FATAL_ERROR "KELP_FUZZ needs clang: configure with -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_C_COMPILER=clang")
+endif()
+if(KELP_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
