@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: Apache-2.0
+// The event queue of one thread: what other threads push, and what a service's source delivers, behind one
+// descriptor. The C functions of tarn.h act on it.
+#pragma once
+
+#include "Event.h"
+#include "EventSource.h"
+#include "platform/link/UniqueFd.h"
+
+#include <deque>
+#include <memory>
+#include <mutex>
+
+namespace kelp::platform {
+
+class Queue
+{
+public:
+    // Throws std::system_error where the system has no descriptor left.
+    explicit Queue(int id);
+
+    int id() const { return _id; }
+
+    // An epoll descriptor over the signal of the pushed events and the source: readable while either has something.
+    int descriptor() const { return _descriptor.get(); }
+
+    // ---- On the queue's own thread ----
+
+    void begin();         // one more tarn_initialize()
+    void end();           // its tarn_shutdown(); the last drops the pending events and the source
+    bool isBegun() const; // on any thread
+
+    Event take(); // the next event, or none; pushed and delivered ones take turns
+
+    bool hasSource(); // false also when its service has gone
+    void setSource(std::unique_ptr<EventSource> source); // throws std::system_error; the queue has none yet
+    void dropSource();
+
+    // ---- On any thread ----
+
+    // Takes the event over and returns 0, or leaves it and returns ESRCH while the queue is not begun.
+    int push(Event &event);
+
+    // ---- Around a fork() ----
+
+    void lock() { _mutex.lock(); }
+    void unlock() { _mutex.unlock(); }
+    // In the child, which shares the parent's descriptors and must not touch what they stand for: the same numbers
+    // for descriptors of its own, no events, no source. Without descriptors to be had, the queue stays silent.
+    void startAfresh() noexcept;
+    // In the child, for the queue of a thread that does not exist there.
+    void abandon() noexcept;
+
+private:
+    Event takePushed();
+    Event takeDelivered();
+    void watch(int descriptor);
+    void raiseSignal();
+    void clearSignal();
+
+    const int _id;
+    link::UniqueFd _descriptor; // epoll
+    link::UniqueFd _signal;     // eventfd, readable exactly while _pushed has an event
+    std::unique_ptr<EventSource> _source;
+    bool _sourceNext = false; // whose turn it is
+
+    mutable std::mutex _mutex; // guards the rest
+    std::deque<Event> _pushed;
+    unsigned _begun = 0;           // how many tarn_initialize() are in force
+    std::deque<Event> _leftBehind; // the parent's events in a forked child: releasing them is the parent's business
+};
+
+} // namespace kelp::platform
