@@ -11,7 +11,7 @@ namespace kelp::link {
 inline constexpr std::uint32_t PROTOCOL_VERSION = 1;
 
 // The largest message in bytes, header included. One datagram of the socket carries one message.
-inline constexpr std::size_t MAX_MESSAGE_BYTES = 128 * 1024;
+inline constexpr std::size_t MAX_MESSAGE_BYTES = 131072;
 
 // The largest message in bytes on an event channel: what a thread's queue reads without allocating.
 inline constexpr std::size_t MAX_EVENT_BYTES = 2048;
@@ -26,6 +26,6 @@ inline constexpr std::size_t MAX_TEXT_BYTES = 4096;
 inline constexpr std::size_t MAX_ARGUMENTS = 32;
 
 // Texts longer than this many bytes are answered in several replies.
-inline constexpr std::size_t MAX_REPLY_TEXT_BYTES = 64 * 1024;
+inline constexpr std::size_t MAX_REPLY_TEXT_BYTES = 65536;
 
 } // namespace kelp::link

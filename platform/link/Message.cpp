@@ -107,16 +107,14 @@ void limited(Reader &reader, T &value, std::uint32_t least, std::uint32_t most)
 
 // The fields of each body, once for both directions.
 template <typename Visitor, typename Field>
-void fields(Visitor &visitor, Field &hello)
-    requires std::is_same_v<std::remove_const_t<Field>, Hello>
+void fields(Visitor &visitor, Field &hello) requires std::is_same_v<std::remove_const_t<Field>, Hello>
 {
     visitor.number(hello.version);
     limited(visitor, hello.role, 1, 2);
 }
 
 template <typename Visitor, typename Field>
-void fields(Visitor &visitor, Field &request)
-    requires std::is_same_v<std::remove_const_t<Field>, Request>
+void fields(Visitor &visitor, Field &request) requires std::is_same_v<std::remove_const_t<Field>, Request>
 {
     limited(visitor, request.code, 1, LAST_REQUEST_CODE);
     visitor.number(request.number);
@@ -125,8 +123,7 @@ void fields(Visitor &visitor, Field &request)
 }
 
 template <typename Visitor, typename Field>
-void fields(Visitor &visitor, Field &open)
-    requires std::is_same_v<std::remove_const_t<Field>, OpenEvents>
+void fields(Visitor &visitor, Field &open) requires std::is_same_v<std::remove_const_t<Field>, OpenEvents>
 {
     visitor.number(open.flags);
 }
@@ -155,8 +152,7 @@ void fields(Reader &reader, Command &command)
 }
 
 template <typename Visitor, typename Field>
-void fields(Visitor &visitor, Field &reply)
-    requires std::is_same_v<std::remove_const_t<Field>, Reply>
+void fields(Visitor &visitor, Field &reply) requires std::is_same_v<std::remove_const_t<Field>, Reply>
 {
     visitor.number(reply.status);
     limited(visitor, reply.more, 0, 1);
@@ -164,8 +160,7 @@ void fields(Visitor &visitor, Field &reply)
 }
 
 template <typename Visitor, typename Field>
-void fields(Visitor &visitor, Field &event)
-    requires std::is_same_v<std::remove_const_t<Field>, Event>
+void fields(Visitor &visitor, Field &event) requires std::is_same_v<std::remove_const_t<Field>, Event>
 {
     visitor.number(event.code);
     visitor.number(event.windowState);

@@ -35,17 +35,17 @@ struct Hello {
 enum class RequestCode : std::uint32_t {
     CloseWindow = 1,
     ExtendTerminate = 2,
-    ExtendTimeout = 3,           // number: milliseconds
-    PooledResponse = 4,          // first: id
-    SetClosePrompt = 5,          // first: title, second: message
+    ExtendTimeout = 3,  // number: milliseconds
+    PooledResponse = 4, // first: id
+    SetClosePrompt = 5, // first: title, second: message
     ClearClosePrompt = 6,
-    RawWrite = 7,                // first: PPS text
-    SetBadge = 8,                // number: badge
+    RawWrite = 7, // first: PPS text
+    SetBadge = 8, // number: badge
     ClearBadge = 9,
     OrientationCheckResponse = 10, // first: id, number: 1 accepts, 0 refuses
-    DoneOrientation = 11,        // first: id
-    SetOrientation = 12,         // number: degrees; the reply's text is the rotation's id
-    RotationLock = 13,           // number: 1 locks, 0 unlocks
+    DoneOrientation = 11,          // first: id
+    SetOrientation = 12,           // number: degrees; the reply's text is the rotation's id
+    RotationLock = 13,             // number: 1 locks, 0 unlocks
     RequestSwipeStart = 14,
     StopSwipeStart = 15,
 };
@@ -69,8 +69,8 @@ struct OpenEvents {
 
 // A command of a person or a test: a name from the device's catalogue, and named arguments.
 struct Command {
-    std::string name;                                            // at most MAX_ID_BYTES
-    std::vector<std::pair<std::string, std::string>> arguments;  // at most MAX_ARGUMENTS
+    std::string name;                                           // at most MAX_ID_BYTES
+    std::vector<std::pair<std::string, std::string>> arguments; // at most MAX_ARGUMENTS
     bool operator==(const Command &) const = default;
 };
 

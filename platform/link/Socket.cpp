@@ -123,7 +123,8 @@ int sendMessage(int socket, std::string_view bytes, int passed, int flags)
     return sent < 0 ? errno : 0;
 }
 
-int receiveMessage(int socket, char *buffer, std::size_t size, std::size_t &length, UniqueFd &passed, int flags)
+int receiveMessage(int socket, char *buffer, std::size_t size, std::size_t &length, UniqueFd &passed,
+                   int flags)
 {
     iovec part{buffer, size};
     alignas(cmsghdr) char control[CMSG_SPACE(MAX_PASSED * sizeof(int))];

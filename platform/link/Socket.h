@@ -37,6 +37,7 @@ int sendMessage(int socket, std::string_view bytes, int passed = -1, int flags =
 // Returns 0 and sets length (0: the other end has closed) and passed (the descriptor that came with it, close-on-exec,
 // if any; more than one are closed). Otherwise the errno of recvmsg(2), or EMSGSIZE for a message that does not fit,
 // which is then lost.
-int receiveMessage(int socket, char *buffer, std::size_t size, std::size_t &length, UniqueFd &passed, int flags = 0);
+int receiveMessage(int socket, char *buffer, std::size_t size, std::size_t &length, UniqueFd &passed,
+                   int flags = 0);
 
 } // namespace kelp::link

@@ -4,13 +4,13 @@
 #include "DeviceConnection.h"
 
 #include "platform/host/NeverDestroyed.h"
+#include "platform/link/Exchange.h"
 #include "platform/link/Limits.h"
 #include "platform/link/Socket.h"
 
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
-#include <vector>
 
 #include <poll.h>
 #include <pthread.h>
@@ -93,35 +93,8 @@ int DeviceConnection::connect()
 
 int DeviceConnection::exchange(const link::Body &body, int passed, link::Reply &reply)
 {
-    const std::string bytes = link::encode({++_serial, body});
-    if (const int error = link::sendMessage(_socket.get(), bytes, passed)) {
-        return lost(error == EAGAIN ? ETIMEDOUT : ECONNRESET);
-    }
-    return awaitReply(reply);
-}
-
-// Puts the parts of the answer together.
-int DeviceConnection::awaitReply(link::Reply &reply)
-{
-    std::vector<char> buffer(link::MAX_MESSAGE_BYTES);
-    std::string text;
-    do {
-        std::size_t length = 0;
-        link::UniqueFd passed;
-        const int error = link::receiveMessage(_socket.get(), buffer.data(), buffer.size(), length, passed);
-        if (error || length == 0) {
-            return lost(error == EAGAIN ? ETIMEDOUT : ECONNRESET);
-        }
-        const auto message = link::decode({buffer.data(), length});
-        const auto *part = message ? std::get_if<link::Reply>(&message->body) : nullptr;
-        if (!part || message->serial != _serial) {
-            return lost(EPROTO);
-        }
-        text += part->text;
-        reply = *part;
-    } while (reply.more);
-    reply.text = std::move(text);
-    return 0;
+    const int error = link::exchange(_socket.get(), ++_serial, body, passed, reply);
+    return error ? lost(error == EAGAIN ? ETIMEDOUT : error) : 0;
 }
 
 // Whether the device has closed the connection since the last request.

@@ -25,7 +25,6 @@ public:
 private:
     int connect();
     int exchange(const link::Body &body, int passed, link::Reply &reply);
-    int awaitReply(link::Reply &reply);
     bool hasGone() const;
     int lost(int error);
 

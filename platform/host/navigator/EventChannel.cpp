@@ -26,7 +26,9 @@ Event makeEvent(link::Event &&content)
     event->domain = navigator_get_domain();
     event->code = static_cast<unsigned int>(data->code);
     event->data = data.release();
-    event->release = [](void *released) { std::default_delete<link::Event>()(static_cast<link::Event *>(released)); };
+    event->release = [](void *released) {
+        std::default_delete<link::Event>()(static_cast<link::Event *>(released));
+    };
     return event;
 }
 

@@ -37,7 +37,8 @@ void moveTo(int number, int descriptor)
 } // namespace
 
 Queue::Queue(int id)
-    : _id(id), _descriptor(checked(::epoll_create1(EPOLL_CLOEXEC), "epoll_create1")),
+    : _id(id),
+      _descriptor(checked(::epoll_create1(EPOLL_CLOEXEC), "epoll_create1")),
       _signal(checked(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK), "eventfd"))
 {
     watch(_signal.get());

@@ -32,7 +32,7 @@ public:
 
     Event take(); // the next event, or none; pushed and delivered ones take turns
 
-    bool hasSource(); // false also when its service has gone
+    bool hasSource();                                    // false also when its service has gone
     void setSource(std::unique_ptr<EventSource> source); // throws std::system_error; the queue has none yet
     void dropSource();
 
@@ -66,8 +66,9 @@ private:
 
     mutable std::mutex _mutex; // guards the rest
     std::deque<Event> _pushed;
-    unsigned _begun = 0;           // how many tarn_initialize() are in force
-    std::deque<Event> _leftBehind; // the parent's events in a forked child: releasing them is the parent's business
+    unsigned _begun = 0; // how many tarn_initialize() are in force
+    std::deque<Event>
+        _leftBehind; // the parent's events in a forked child: releasing them is the parent's business
 };
 
 } // namespace kelp::platform

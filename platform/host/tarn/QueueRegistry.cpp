@@ -54,8 +54,9 @@ QueueRegistry &QueueRegistry::instance()
 
 QueueRegistry::QueueRegistry()
 {
-    (void)::pthread_atfork([] { instance().lockAll(); }, [] { instance().unlockAll(); },
-                           [] { instance().restartInChild(); }); // without memory for it, fork() is the caller's risk
+    (void)::pthread_atfork(
+        [] { instance().lockAll(); }, [] { instance().unlockAll(); },
+        [] { instance().restartInChild(); }); // without memory for it, fork() is the caller's risk
 }
 
 Queue *QueueRegistry::own()

@@ -26,7 +26,8 @@ int waitForEvent(const Queue &queue, bool limited, std::chrono::steady_clock::ti
 {
     int timeoutMs = -1;
     if (limited) {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(moment - std::chrono::steady_clock::now());
+        const auto left =
+            std::chrono::ceil<std::chrono::milliseconds>(moment - std::chrono::steady_clock::now());
         timeoutMs = static_cast<int>(std::max<std::chrono::milliseconds::rep>(left.count(), 0));
     }
     pollfd readable{queue.descriptor(), POLLIN, 0};
@@ -108,7 +109,8 @@ int tarn_register_domain(void)
     return ++s_lastDomain;
 }
 
-int tarn_event_create(tarn_event_t **event, int domain, unsigned int code, void *data, void (*release)(void *data))
+int tarn_event_create(tarn_event_t **event, int domain, unsigned int code, void *data,
+                      void (*release)(void *data))
 {
     return resultOf([=] {
         if (!event || domain < 1 || domain > s_lastDomain) {
