@@ -36,9 +36,12 @@ void sayWithGroup(const char *step, const QString &group)
 void printWindowGroups(kelp::Application &app)
 {
     using kelp::Application;
-    QObject::connect(&app, &Application::windowGroupFullscreen, [](auto id) { sayWithGroup("fullscreen", id); });
-    QObject::connect(&app, &Application::windowGroupThumbnailed, [](auto id) { sayWithGroup("thumbnail", id); });
-    QObject::connect(&app, &Application::windowGroupInvisible, [](auto id) { sayWithGroup("invisible", id); });
+    QObject::connect(&app, &Application::windowGroupFullscreen,
+                     [](auto id) { sayWithGroup("fullscreen", id); });
+    QObject::connect(&app, &Application::windowGroupThumbnailed,
+                     [](auto id) { sayWithGroup("thumbnail", id); });
+    QObject::connect(&app, &Application::windowGroupInvisible,
+                     [](auto id) { sayWithGroup("invisible", id); });
     QObject::connect(&app, &Application::windowGroupAwake, [](auto id) { sayWithGroup("awake", id); });
     QObject::connect(&app, &Application::windowGroupAsleep, [](auto id) { sayWithGroup("asleep", id); });
 }
@@ -82,7 +85,8 @@ int main(int argc, char **argv)
     printWindowGroups(app);
     printApplication(app);
     answerRequests(app);
-    QObject::connect(&app, &QCoreApplication::aboutToQuit, [] { say(QStringLiteral("leaving the event loop")); });
+    QObject::connect(&app, &QCoreApplication::aboutToQuit,
+                     [] { say(QStringLiteral("leaving the event loop")); });
     app.setAutoExit(!app.arguments().contains(QStringLiteral("--manual-exit")));
     say(QStringLiteral("started"));
     return app.exec();

@@ -4,8 +4,9 @@
 
 #include <kelp/Export.h>
 
-#include <QtCore/QObject>
 #include <QtCore/QMetaType>
+#include <QtCore/QObject>
+
 namespace kelp {
 
 /*!

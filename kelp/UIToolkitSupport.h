@@ -34,7 +34,8 @@ class UIToolkitSupportPrivate;
 class KELP_EXPORT UIToolkitSupport : public QObject
 {
     Q_OBJECT
-    Q_PROPERTY(kelp::ProcessExecutionState::Type executionState READ executionState NOTIFY executionStateChanged FINAL)
+    Q_PROPERTY(kelp::ProcessExecutionState::Type executionState READ executionState NOTIFY
+                   executionStateChanged FINAL)
     Q_PROPERTY(kelp::ProcessUIState::Type uiState READ uiState NOTIFY uiStateChanged FINAL)
     Q_PROPERTY(kelp::ProcessState::Type processState READ processState NOTIFY processStateChanged FINAL)
 

@@ -15,7 +15,10 @@
 
 namespace kelp {
 
-Application::Application(int &argc, char **argv) : QCoreApplication(argc, argv), d(new ApplicationPrivate(this)) {}
+Application::Application(int &argc, char **argv)
+    : QCoreApplication(argc, argv),
+      d(new ApplicationPrivate(this))
+{}
 
 // The private object is a child: it goes with the base class.
 Application::~Application() = default;

@@ -12,7 +12,10 @@
 namespace kelp {
 
 ApplicationPrivate::ApplicationPrivate(Application *q)
-    : QObject(q), q(q), toolkitSupport(new UIToolkitSupport(this)), autoExit(true)
+    : QObject(q),
+      q(q),
+      toolkitSupport(new UIToolkitSupport(this)),
+      autoExit(true)
 {
     connect(toolkitSupport, &UIToolkitSupport::swipedDown, q, &Application::swipeDown);
     connect(toolkitSupport, &UIToolkitSupport::executionStateChanged, this,
@@ -113,7 +116,8 @@ bool ApplicationPrivate::isForApplication(const QString &windowGroupID, const ch
     return false;
 }
 
-void ApplicationPrivate::executionStateChanged(ProcessExecutionState::Type newState, const QString &windowGroupID)
+void ApplicationPrivate::executionStateChanged(ProcessExecutionState::Type newState,
+                                               const QString &windowGroupID)
 {
     const bool forApplication =
         isForApplication(windowGroupID, "ApplicationPrivate::executionStateChanged() - Filtering event ");
@@ -128,7 +132,8 @@ void ApplicationPrivate::executionStateChanged(ProcessExecutionState::Type newSt
         qWarning() << "ApplicationPrivate::executionStateChanged() - Received update to unknown";
         break;
     default:
-        qWarning() << "ApplicationPrivate::executionStateChanged() - Received unexpected state " << int(newState);
+        qWarning() << "ApplicationPrivate::executionStateChanged() - Received unexpected state "
+                   << int(newState);
     }
 }
 

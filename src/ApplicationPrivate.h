@@ -60,7 +60,7 @@ public Q_SLOTS:
     void applicationExit();
 
 public:
-    Application *q; // the owner; every signal is emitted on it
+    Application *q;                   // the owner; every signal is emitted on it
     UIToolkitSupport *toolkitSupport; // a child
     bool autoExit;
 

@@ -29,7 +29,8 @@ constexpr int BATCH = 16;
 
 // The hooks of all threads. Never destroyed: threads may end after this library's static objects.
 struct Hooks {
-    QMutex mutex; // guards the map and every hook's filter; taken after TarnEventManager's, never held for a filter
+    // Guards the map and every hook's filter. Taken after TarnEventManager's, never held for a filter.
+    QMutex mutex;
     QMap<QThread *, DispatcherHook *> byThread;
 };
 
@@ -71,7 +72,9 @@ DispatcherHook::EventFilter DispatcherHook::setFilter(QThread *thread, EventFilt
 }
 
 DispatcherHook::DispatcherHook(QThread *thread, QAbstractEventDispatcher *dispatcher)
-    : QObject(dispatcher), _thread(thread), _dispatcher(dispatcher)
+    : QObject(dispatcher),
+      _thread(thread),
+      _dispatcher(dispatcher)
 {
     dispatcher->installNativeEventFilter(this);
     const int descriptor = tarn_queue_descriptor();

@@ -30,7 +30,10 @@ public:
 
     std::size_t size() const { return _size; }
     // Null: the handler has been destroyed since.
-    AbstractTarnEventHandler *at(std::size_t index) const { return entries()[index].load(std::memory_order_acquire); }
+    AbstractTarnEventHandler *at(std::size_t index) const
+    {
+        return entries()[index].load(std::memory_order_acquire);
+    }
 
 private:
     Q_DISABLE_COPY(HandlerSnapshot)

@@ -62,7 +62,8 @@ void TarnEventManager::cleanupManager(QThread *thread)
     setEventFilter(thread, manager->_previousEventFilter);
 }
 
-DispatcherHook::EventFilter TarnEventManager::setEventFilter(QThread *thread, DispatcherHook::EventFilter filter)
+DispatcherHook::EventFilter TarnEventManager::setEventFilter(QThread *thread,
+                                                             DispatcherHook::EventFilter filter)
 {
     return DispatcherHook::setFilter(thread, filter);
 }

@@ -32,7 +32,8 @@ private:
 
     // Callers of these hold _mutex.
     static void cleanupManager(QThread *thread);
-    static HandlerSnapshot *begin(HandlerSnapshot &snapshot, void *message, DispatcherHook::EventFilter &previous);
+    static HandlerSnapshot *begin(HandlerSnapshot &snapshot, void *message,
+                                  DispatcherHook::EventFilter &previous);
     void registerHandler(AbstractTarnEventHandler *handler, int domain);
     void unregisterHandler(AbstractTarnEventHandler *handler, int domain);
     void unregisterHandlerFromAllDomains(AbstractTarnEventHandler *handler);
@@ -44,7 +45,8 @@ private:
     DispatcherHook::EventFilter _previousEventFilter = nullptr; // put back when the manager goes
 
     static QMap<QThread *, TarnEventManager *> _managerMap; // owns the managers
-    static QMutex _mutex; // guards _managerMap, every _handlers and the list of snapshots; never held for a handler
+    // Guards _managerMap, every _handlers and the list of snapshots. Never held for a handler.
+    static QMutex _mutex;
 };
 
 } // namespace kelp

@@ -19,7 +19,7 @@ const QString NO_GROUP_ID = QStringLiteral("none");
 
 namespace {
 
-QString _windowGroupID;     // the process's main window group
+QString _windowGroupID;    // the process's main window group
 QMutex _windowGroupIDLock; // guards it
 
 QString groupIdOf(tarn_event_t *event)
@@ -155,7 +155,8 @@ void UIToolkitSupportPrivate::handleWindowStateEvent(tarn_event_t *event)
     Q_EMIT q->uiStateChanged(newState, id);
 }
 
-void UIToolkitSupportPrivate::handleExecutionStateChange(ProcessExecutionState::Type newState, tarn_event_t *event)
+void UIToolkitSupportPrivate::handleExecutionStateChange(ProcessExecutionState::Type newState,
+                                                         tarn_event_t *event)
 {
     const QString id = groupIdOf(event);
     setWindowGroupID(id);
@@ -184,8 +185,8 @@ void UIToolkitSupportPrivate::handleNavigatorPooledEvent(tarn_event_t *event)
 void UIToolkitSupportPrivate::handleNavigatorLowMemoryEvent(tarn_event_t *event)
 {
     const int severity = navigator_event_get_severity(event);
-    qCritical() << "Process" << QCoreApplication::applicationPid() << "received low memory signal, priority ="
-                << severity;
+    qCritical() << "Process" << QCoreApplication::applicationPid()
+                << "received low memory signal, priority =" << severity;
 }
 
 QString UIToolkitSupportPrivate::windowGroupID() const

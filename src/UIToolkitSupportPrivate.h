@@ -53,9 +53,10 @@ private:
 
     UIToolkitSupport *q;
     ProcessState::Type _processState = ProcessState::Unknown;
-    ProcessExecutionState::Type _executionState = ProcessExecutionState::Unknown; // of the group that had the last event
-    ProcessUIState::Type _uiState = ProcessUIState::Unknown;                      // likewise
-    QMap<QString, WindowGroupState> _windowGroupStateMap;                         // by window-group id
+    // Of the window group that had the last event of the kind.
+    ProcessExecutionState::Type _executionState = ProcessExecutionState::Unknown;
+    ProcessUIState::Type _uiState = ProcessUIState::Unknown;
+    QMap<QString, WindowGroupState> _windowGroupStateMap; // by window-group id
 };
 
 } // namespace kelp
