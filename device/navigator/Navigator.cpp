@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: Apache-2.0
+// The navigator's parts and the way from each of its operations to the part that carries it out.
+#include "Navigator.h"
+
+#include "PersonEvents.h"
+#include "RequestFailures.h"
+#include "Requests.h"
+#include "device/catalogue/Catalogue.h"
+
+#include <cerrno>
+
+namespace kelp::device {
+
+class Navigator::Private
+{
+public:
+    Private(const Clock &deviceClock, const Settings &deviceSettings, NavigatorPort &port)
+        : clock(deviceClock),
+          settings(deviceSettings),
+          journal(deviceClock, port),
+          delivery(port, journal),
+          windows(applications, delivery, journal),
+          exitPath(deviceClock, settings, port, delivery, deadlines, journal),
+          pooling(deviceClock, settings, delivery, deadlines, journal),
+          requests(settings, windows, exitPath, pooling, journal),
+          personEvents(applications, windows, exitPath, pooling, delivery, journal)
+    {}
+
+    void reached(const Deadline &deadline);
+
+    const Clock &clock;
+    const Settings settings;
+    Applications applications;
+    Deadlines deadlines;
+    RequestFailures failures;
+    Journal journal;
+    Delivery delivery;
+    Windows windows;
+    ExitPath exitPath;
+    Pooling pooling;
+    Requests requests;
+    PersonEvents personEvents;
+};
+
+void Navigator::Private::reached(const Deadline &deadline)
+{
+    const Application *application = applications.find(deadline.process);
+    if (!application) {
+        return; // cannot be: a process takes its deadlines with it
+    }
+    switch (deadline.kind) {
+    case DeadlineKind::Terminate:
+        return exitPath.terminateReached(*application);
+    case DeadlineKind::Kill:
+        return exitPath.killReached(*application);
+    case DeadlineKind::Pool:
+        return pooling.reached(*application, deadline.id);
+    }
+}
+
+Navigator::Navigator(const Clock &clock, const Settings &settings, NavigatorPort &port)
+    : d(std::make_unique<Private>(clock, settings, port))
+{}
+
+Navigator::~Navigator() = default;
+
+ProcessId Navigator::connected(pid_t pid, const std::string &name)
+{
+    const Application &process = d->applications.add(pid, name);
+    d->journal.note(process, "connected: " + process.name());
+    return process.process();
+}
+
+void Navigator::openedEvents(ProcessId process, ChannelId channel)
+{
+    Application *application = d->applications.find(process);
+    if (!application) {
+        return;
+    }
+    if (application->isLaunched()) {
+        d->windows.tellState(*application, channel);
+    } else {
+        d->windows.launch(*application);
+    }
+}
+
+void Navigator::disconnected(ProcessId process)
+{
+    const Application *application = d->applications.find(process);
+    if (!application) {
+        return;
+    }
+    d->journal.note(*application, "gone");
+    d->deadlines.removeAll(process);
+    d->applications.remove(process);
+}
+
+Outcome Navigator::request(ProcessId process, const link::Request &request)
+{
+    Application *application = d->applications.find(process);
+    if (!application) {
+        return {EINVAL, "the process is not connected"};
+    }
+    const std::string line = "request " + describe(request);
+    if (const std::optional<int> error = d->failures.take(request.code)) {
+        Outcome failure = {*error, "made to fail on purpose"};
+        d->journal.noteResult(*application, line, failure);
+        return failure;
+    }
+    Outcome outcome = d->requests.handle(*application, request);
+    d->journal.noteResult(*application, line, outcome);
+    return outcome;
+}
+
+Outcome Navigator::event(const std::string &name, const ArgumentTexts &arguments)
+{
+    Outcome outcome = d->personEvents.handle(name, arguments);
+    d->journal.noteResult("command " + describe(name, arguments), outcome);
+    return outcome;
+}
+
+void Navigator::failRequests(link::RequestCode code, int error, unsigned times)
+{
+    d->failures.set(code, error, times);
+    const std::string name(requestName(code));
+    if (error == 0) {
+        d->journal.note("requests " + name + " fail no more on purpose");
+        return;
+    }
+    const std::string which = times == 0 ? "all" : "the next " + std::to_string(times);
+    d->journal.note("requests " + name + ": " + which + " fail with " + errorName(error));
+}
+
+void Navigator::exitAll()
+{
+    d->journal.note("the device shuts down");
+    for (Application *application : d->applications.launched()) {
+        (void)d->exitPath.begin(*application); // one that exits already goes on
+    }
+}
+
+std::optional<Time> Navigator::nextDeadline() const
+{
+    return d->deadlines.next();
+}
+
+void Navigator::expireDeadlines()
+{
+    const Time now = d->clock.now();
+    while (const std::optional<Deadline> due = d->deadlines.takeDue(now)) {
+        d->reached(*due);
+    }
+}
+
+std::vector<ApplicationState> Navigator::applications() const
+{
+    std::vector<ApplicationState> states;
+    for (const Application *application : d->applications.launched()) {
+        states.push_back(application->describe());
+        states.back().deadlines = d->deadlines.describe(application->process(), d->clock.now());
+    }
+    return states;
+}
+
+} // namespace kelp::device

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+// What a person or a test causes: chooses whom it is for, and hands it to who carries it out.
+#pragma once
+
+#include "ExitPath.h"
+#include "Pooling.h"
+#include "Targets.h"
+#include "Windows.h"
+
+namespace kelp::device {
+
+class PersonEvents
+{
+public:
+    PersonEvents(const Applications &applications, Windows &windows, ExitPath &exitPath, Pooling &pooling,
+                 Delivery &delivery, Journal &journal)
+        : _applications(applications),
+          _windows(windows),
+          _exitPath(exitPath),
+          _pooling(pooling),
+          _delivery(delivery),
+          _journal(journal)
+    {}
+
+    // name and arguments as they come: neither has been checked.
+    Outcome handle(const std::string &name, const ArgumentTexts &arguments);
+
+private:
+    Outcome handleForTarget(EventKind kind, const Target &target, const EventArguments &arguments);
+    Outcome lowMemory(const EventArguments &arguments);
+    Outcome close(Application &application);
+    Outcome confirm(Application &application);
+    Outcome dismiss(Application &application);
+
+    const Applications &_applications;
+    Windows &_windows;
+    ExitPath &_exitPath;
+    Pooling &_pooling;
+    Delivery &_delivery;
+    Journal &_journal;
+};
+
+// The command as the trace says it.
+std::string describe(const std::string &name, const ArgumentTexts &arguments);
+
+} // namespace kelp::device
