@@ -18,7 +18,7 @@ class KELP_EXPORT IconBadge
     Q_GADGET
 
 public:
-    enum Type {
+    enum Type : int {
         None = 0, /*!< No mark. */
         Splat = 1 /*!< The mark is shown. */
     };

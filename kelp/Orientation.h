@@ -18,7 +18,7 @@ class KELP_EXPORT Orientation
     Q_GADGET
 
 public:
-    enum Type { North = 0, East = 90, South = 180, West = 270 };
+    enum Type : int { North = 0, East = 90, South = 180, West = 270 };
     Q_ENUM(Type)
 
 private:

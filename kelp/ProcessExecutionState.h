@@ -18,7 +18,7 @@ class KELP_EXPORT ProcessExecutionState
     Q_GADGET
 
 public:
-    enum Type {
+    enum Type : int {
         Unknown = 0,  /*!< Nothing has been reported yet. */
         Inactive = 1, /*!< Without the focus: asleep. */
         Active = 2    /*!< With the focus: awake. At most one application of the device is. */

@@ -18,7 +18,7 @@ class KELP_EXPORT ProcessState
     Q_GADGET
 
 public:
-    enum Type {
+    enum Type : int {
         Unknown = 0,    /*!< Nothing has been reported yet, or a value that this library does not know. */
         Foreground = 1, /*!< The process owns the screen and may use the device freely. */
         Background = 2, /*!< None of its windows fills the screen: it should do little. */

@@ -19,7 +19,7 @@ class KELP_EXPORT ProcessUIState
     Q_GADGET
 
 public:
-    enum Type {
+    enum Type : int {
         Unknown = 0,   /*!< Nothing has been reported yet. */
         Invisible = 1, /*!< Covered, or put away. */
         Thumbnail = 2, /*!< A small picture among those of other applications. */

@@ -18,7 +18,7 @@ class KELP_EXPORT SwipeDownMode
     Q_GADGET
 
 public:
-    enum Type {
+    enum Type : int {
         OnCompletionOnly = 0, /*!< The completed swipe. */
         OnStartOnly = 1       /*!< Its start. */
     };
