@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+// Messages on their way out through a socket that may be full: sent at once where that is possible, else kept in their
+// order. Connection and EventChannel own one each, watch the socket for it and keep its bound.
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <string>
+
+namespace kelp::device {
+
+class OutgoingQueue
+{
+public:
+    enum class State {
+        Empty,   // all has been sent
+        Waiting, // call flush() when the socket is writable
+        Broken,  // the socket takes nothing any more
+    };
+
+    explicit OutgoingQueue(int socket) : _socket(socket) {}
+
+    State send(std::string bytes);
+    State flush();
+
+    std::size_t messages() const { return _messages.size(); }
+    std::size_t bytes() const { return _bytes; }
+
+private:
+    int _socket; // the owner's
+    std::deque<std::string> _messages;
+    std::size_t _bytes = 0; // in _messages
+};
+
+} // namespace kelp::device
