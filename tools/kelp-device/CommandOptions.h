@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: Apache-2.0
+// The options that several verbs share.
+#pragma once
+
+#include "device/navigator/Navigator.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace kelp::tool {
+
+// --device of the verbs that talk to a device or start one. path holds the value; empty: not given.
+void addDeviceOption(CLI::App &verb, std::string &path, const std::string &help);
+
+// A number of seconds from 0 to a day. seconds keeps its value where the option is not given.
+void addSecondsOption(CLI::App &verb, const std::string &name, double &seconds, const std::string &help);
+
+// The options of a device that is to be set up.
+struct SetUpOptions {
+    std::string device;
+    double graceSeconds = 3;
+    bool leavesOverstaying = false;
+
+    void addTo(CLI::App &verb, const std::string &deviceHelp);
+    device::Settings settings() const;
+};
+
+// A trace that goes to a file, or to standard error when the path is empty. Throws std::system_error.
+std::function<void(const device::TraceEntry &)> traceTo(const std::string &path);
+
+} // namespace kelp::tool

@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: Apache-2.0
+// See DeviceClient.h.
+
+#include "DeviceClient.h"
+
+#include "Failure.h"
+#include "device/directory/DirectoryCheck.h"
+#include "platform/link/Limits.h"
+#include "platform/link/Socket.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include <poll.h>
+
+namespace kelp::tool {
+
+namespace {
+
+constexpr std::chrono::seconds ANSWER_TIME{10};
+
+[[noreturn]] void failConnect(const std::string &directory, int error)
+{
+    switch (error) {
+    case ENOENT:
+        throw Failure(EXIT_NO_DEVICE,
+                      "no device runs in " + directory + ": start one with `kelp-device start`");
+    case ECONNREFUSED:
+        throw Failure(EXIT_NO_DEVICE,
+                      "the device in " + directory +
+                          " has died and left its socket: `kelp-device start` tidies up and starts "
+                          "a new one");
+    case EAGAIN:
+        throw Failure(EXIT_TIME_OUT, "the device in " + directory + " takes no connection: is it stopped?");
+    default:
+        throw Failure(EXIT_NO_DEVICE, "cannot connect to the device in " + directory + " (" +
+                                          std::strerror(error) +
+                                          "): start another with `kelp-device start --device`");
+    }
+}
+
+} // namespace
+
+DeviceClient::DeviceClient(const std::string &directory) : _directory(directory)
+{
+    const device::DirectoryCheck check(directory);
+    if (check.isMissing) {
+        throw Failure(EXIT_NO_DEVICE,
+                      "no device runs in " + directory +
+                          ": there is no such directory. Start one with `kelp-device start`, or say "
+                          "where it is with --device or KELP_DEVICE");
+    }
+    if (!check.refusal.empty()) {
+        throw Failure(EXIT_NO_DEVICE, check.refusal);
+    }
+    if (const int error = link::connectToDevice(directory, ANSWER_TIME, _socket)) {
+        failConnect(directory, error);
+    }
+    (void)exchange(link::Hello{link::PROTOCOL_VERSION, link::Role::Control}); // its answer has no text
+}
+
+std::string DeviceClient::ask(const std::string &verb, Arguments arguments)
+{
+    return exchange(link::Command{verb, std::move(arguments)});
+}
+
+void DeviceClient::awaitEnd(std::chrono::milliseconds timeout)
+{
+    const auto end = std::chrono::steady_clock::now() + timeout;
+    pollfd socket{_socket.get(), POLLIN, 0};
+    int ready = 0;
+    do {
+        const auto left =
+            std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now()).count();
+        ready = ::poll(&socket, 1, static_cast<int>(std::max<std::int64_t>(left, 0)));
+    } while (ready < 0 && errno == EINTR);
+    if (ready <= 0) {
+        throw Failure(EXIT_TIME_OUT,
+                      "the device in " + _directory +
+                          " has not ended yet: wait for its applications, or stop it once more to "
+                          "end them at once");
+    }
+}
+
+std::string DeviceClient::exchange(link::Body body)
+{
+    if (const int error = link::sendMessage(_socket.get(), link::encode({++_serial, std::move(body)}))) {
+        fail(error);
+    }
+    std::string text;
+    link::Reply reply;
+    do {
+        reply = receive();
+        text += reply.text;
+    } while (reply.more);
+    if (reply.status) {
+        throw Failure(EXIT_REFUSED, text.empty() ? std::strerror(reply.status) : text);
+    }
+    return text;
+}
+
+link::Reply DeviceClient::receive()
+{
+    std::vector<char> buffer(link::MAX_MESSAGE_BYTES);
+    std::size_t length = 0;
+    link::UniqueFd passed;
+    if (const int error = link::receiveMessage(_socket.get(), buffer.data(), buffer.size(), length, passed)) {
+        fail(error);
+    }
+    auto message = link::decode({buffer.data(), length});
+    auto *reply = message ? std::get_if<link::Reply>(&message->body) : nullptr;
+    if (length == 0) {
+        fail(ECONNRESET);
+    }
+    if (!reply || message->serial != _serial) {
+        fail(EPROTO);
+    }
+    return std::move(*reply);
+}
+
+void DeviceClient::fail(int error) const
+{
+    switch (error) {
+    case EAGAIN:
+        throw Failure(EXIT_TIME_OUT, "the device in " + _directory + " does not answer: is it stopped?");
+    case EPROTO:
+        throw Failure(EXIT_REFUSED,
+                      "the device in " + _directory + " is of another release: stop it with that one");
+    default:
+        throw Failure(EXIT_NO_DEVICE, "the device in " + _directory + " went away: start it again");
+    }
+}
+
+} // namespace kelp::tool

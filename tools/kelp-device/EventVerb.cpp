@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: Apache-2.0
+// kelp-device event: each event of the catalogue is a verb below it, with the catalogue's arguments.
+
+#include "CommandOptions.h"
+#include "DeviceClient.h"
+#include "DeviceLocation.h"
+#include "Failure.h"
+#include "Verb.h"
+#include "device/catalogue/Catalogue.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+#include <list>
+#include <memory>
+
+namespace kelp::tool {
+
+namespace {
+
+struct EventArgument {
+    const device::ArgumentSpec *spec;
+    CLI::Option *option;
+    std::string value;
+};
+
+struct EventOptions {
+    std::string device;
+    std::list<EventArgument> arguments; // of all events; the parser keeps pointers to them
+};
+
+void addEventArgument(CLI::App &event, const device::ArgumentSpec &spec, EventOptions &options)
+{
+    EventArgument &argument = options.arguments.emplace_back(EventArgument{&spec, nullptr, {}});
+    const std::string flag = "--" + std::string(spec.name);
+    const std::string names = spec.required ? std::string(spec.name) + ',' + flag : flag;
+    argument.option = event.add_option(names, argument.value, std::string(spec.help));
+    argument.option->type_name(std::string(spec.metavar))->required(spec.required);
+}
+
+int causeEvent(const CLI::App &verb, const EventOptions &options)
+{
+    const auto events = verb.get_subcommands();
+    if (events.empty()) {
+        throw Failure(EXIT_USAGE, "which event? kelp-device event --help lists them");
+    }
+    DeviceClient::Arguments arguments{{"name", events.front()->get_name()}};
+    for (const EventArgument &argument : options.arguments) {
+        if (argument.option->count() > 0) {
+            arguments.emplace_back(argument.spec->name, argument.value);
+        }
+    }
+    DeviceClient client(deviceDirectory(options.device));
+    const std::string text = client.ask("event", std::move(arguments));
+    std::cout << text << (text.empty() ? "" : "\n");
+    return EXIT_HELD;
+}
+
+} // namespace
+
+Action addEvent(CLI::App &verb, const Invocation &)
+{
+    const auto options = std::make_shared<EventOptions>();
+    verb.require_subcommand(0, 1);
+    addDeviceOption(verb, options->device, "The device's directory");
+    for (const device::EventSpec &spec : device::events()) {
+        CLI::App *event = verb.add_subcommand(std::string(spec.name), std::string(spec.help));
+        addDeviceOption(*event, options->device, "The device's directory");
+        for (const device::ArgumentSpec &argument : spec.arguments) {
+            addEventArgument(*event, argument, *options);
+        }
+    }
+    return [options, &verb] {
+        return causeEvent(verb, *options);
+    };
+}
+
+} // namespace kelp::tool

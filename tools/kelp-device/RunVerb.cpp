@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: Apache-2.0
+// kelp-device run: a device for one application, gone when that ends. What the application writes is all that appears
+// on standard output, and its exit code is the command's.
+
+#include "CommandOptions.h"
+#include "DeviceLocation.h"
+#include "Failure.h"
+#include "Verb.h"
+#include "device/Device.h"
+#include "device/process/Terminal.h"
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+
+namespace kelp::tool {
+
+namespace {
+
+constexpr char STANDARD_ERROR[] = "-";
+
+struct RunOptions {
+    SetUpOptions setUp;
+    std::string trace; // a path, or STANDARD_ERROR; empty: none
+    bool takesTerminal = false;
+};
+
+// The application stands behind the options that the parser sees, and so in none of its usage lines.
+class RunHelp : public CLI::Formatter
+{
+public:
+    std::string make_usage(const CLI::App *, std::string) const override
+    {
+        return "Usage: kelp-device run [OPTIONS] -- APP [ARGS]...\n";
+    }
+};
+
+device::DeviceDirectory claimDirectory(const std::string &option)
+{
+    return option.empty() ? device::DeviceDirectory::temporaryIn(privateParent())
+                          : device::DeviceDirectory::at(absolutePath(option));
+}
+
+device::DeviceOptions deviceOptions(const RunOptions &options)
+{
+    device::DeviceOptions result;
+    result.settings = options.setUp.settings();
+    result.ownsProcess = true;
+    if (!options.trace.empty()) {
+        result.trace = traceTo(options.trace == STANDARD_ERROR ? "" : options.trace);
+    }
+    return result;
+}
+
+int runApplication(const RunOptions &options, const Invocation &invocation)
+{
+    if (invocation.application.empty()) {
+        throw Failure(EXIT_USAGE, "no application: give it behind --, as in kelp-device run -- APP [ARGS]");
+    }
+    if (options.takesTerminal && !device::Terminal::isThere()) {
+        throw Failure(EXIT_SET_UP, "standard input is no terminal: leave --terminal out");
+    }
+    try {
+        device::Device device(claimDirectory(options.setUp.device), deviceOptions(options));
+        device.launch({invocation.application, {}, options.takesTerminal});
+        return device.run();
+    } catch (const device::LaunchError &error) {
+        throw Failure(error.exitCode(), error.what());
+    } catch (const std::exception &error) {
+        throw Failure(EXIT_SET_UP, error.what());
+    }
+}
+
+} // namespace
+
+Action addRun(CLI::App &verb, const Invocation &invocation)
+{
+    const auto options = std::make_shared<RunOptions>();
+    verb.formatter(std::make_shared<RunHelp>());
+    options->setUp.addTo(verb, "Put the device here, so that other commands can drive it");
+    verb.add_option("--trace", options->trace, "Trace to standard error, or to FILE")
+        ->option_text("[=FILE]")
+        ->expected(0, 1)
+        ->default_str(STANDARD_ERROR);
+    verb.add_flag("--terminal", options->takesTerminal,
+                  "Give the terminal to APP, Ctrl-C included: for debuggers");
+    verb.footer(
+        "Exit code: APP's own, or 128 and the signal that ended it; 125 when the device cannot be set up,\n"
+        "126 when APP cannot be run, 127 when there is no APP.");
+    return [options, &invocation] {
+        return runApplication(*options, invocation);
+    };
+}
+
+} // namespace kelp::tool

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: Apache-2.0
+// kelp-device start: a device that stays until it is stopped, as a daemon or in the foreground.
+
+#include "CommandOptions.h"
+#include "Daemon.h"
+#include "DeviceLocation.h"
+#include "Failure.h"
+#include "Verb.h"
+#include "device/Device.h"
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+#include <memory>
+
+namespace kelp::tool {
+
+namespace {
+
+struct StartOptions {
+    SetUpOptions setUp;
+    std::string trace; // a path; empty: in the device's directory
+    bool staysInForeground = false;
+};
+
+int runDevice(const std::string &path, const StartOptions &options, const std::function<void()> &ready)
+{
+    device::DeviceDirectory directory = device::DeviceDirectory::at(path); // first: the trace may lie in it
+    device::DeviceOptions deviceOptions;
+    deviceOptions.settings = options.setUp.settings();
+    deviceOptions.ownsProcess = true;
+    deviceOptions.trace = traceTo(options.trace.empty() ? path + "/trace.log" : options.trace);
+    device::Device device(std::move(directory), std::move(deviceOptions));
+    ready();
+    return device.run();
+}
+
+int start(StartOptions options)
+{
+    const std::string path = deviceDirectory(options.setUp.device);
+    if (!options.trace.empty()) {
+        options.trace = absolutePath(options.trace); // a daemon leaves this directory
+    }
+    const auto announce = [&path] {
+        std::cout << "KELP_DEVICE=" << shellQuoted(path) << "; export KELP_DEVICE;" << std::endl;
+    };
+    try {
+        if (options.staysInForeground) {
+            return runDevice(path, options, announce);
+        }
+        const auto body = [&](const std::function<void()> &ready) {
+            return runDevice(path, options, ready);
+        };
+        if (const std::optional<int> daemonsCode = runAsDaemon(body)) {
+            return *daemonsCode;
+        }
+    } catch (const Failure &) {
+        throw;
+    } catch (const std::exception &error) {
+        throw Failure(EXIT_REFUSED, error.what());
+    }
+    announce();
+    return EXIT_HELD;
+}
+
+} // namespace
+
+Action addStart(CLI::App &verb, const Invocation &)
+{
+    const auto options = std::make_shared<StartOptions>();
+    options->setUp.addTo(verb, "Put the device here");
+    verb.add_option("--trace", options->trace,
+                    "Trace to this file; without it, to trace.log in the device's directory")
+        ->type_name("FILE");
+    verb.add_flag("--foreground", options->staysInForeground, "Run in the foreground, not as a daemon");
+    verb.footer("Prints a line for a shell: eval \"$(kelp-device start)\"");
+    return [options] {
+        return start(*options);
+    };
+}
+
+} // namespace kelp::tool
