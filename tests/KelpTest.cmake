@@ -1,0 +1,22 @@
+# SPDX-License-Identifier: Apache-2.0
+# How a test is made known to CTest: with its labels, a bound on its time and the thread sanitizer's suppressions.
+include_guard()
+
+# kelp_register_test(<name> COMMAND <command>... LABELS <label>... [ENVIRONMENT <NAME=value>...])
+function(kelp_register_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 test "" "" "COMMAND;LABELS;ENVIRONMENT")
+    if(KELP_SANITIZE STREQUAL "thread")
+        list(APPEND test_ENVIRONMENT "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp")
+    endif()
+    add_test(NAME ${name} COMMAND ${test_COMMAND})
+    set_tests_properties(${name} PROPERTIES
+        LABELS "${test_LABELS}" ENVIRONMENT "${test_ENVIRONMENT}" TIMEOUT 120)
+endfunction()
+
+# kelp_add_test(<name> SOURCES <file>... LIBRARIES <target>... LABELS <label>...): one program, one test
+function(kelp_add_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 test "" "" "SOURCES;LIBRARIES;LABELS")
+    add_executable(${name} ${test_SOURCES})
+    target_link_libraries(${name} PRIVATE ${test_LIBRARIES})
+    kelp_register_test(${name} COMMAND ${name} LABELS ${test_LABELS})
+endfunction()

@@ -1,0 +1,37 @@
+#!/bin/bash
+# SPDX-License-Identifier: Apache-2.0
+# The libraries carry their SONAMEs, export what is public with its type information, and nothing else.
+set -euo pipefail
+failed=0
+fail() {
+    echo "$1" >&2
+    failed=1
+}
+
+exported() { nm -DC --defined-only "$1" | sed -E 's/^[0-9a-f]+ . //'; }
+
+for name in "$LIBRARY" kelp-platform; do
+    soname=$(objdump -p "$BUILD/lib/lib$name.so" | awk '$1 == "SONAME" { print $2 }')
+    [ "$soname" = "lib$name.so.1" ] || fail "lib$name.so has the SONAME $soname"
+done
+
+# The platform library: the functions that its headers declare, all of them, and no more.
+declared=$(grep -hoE '\b(tarn|navigator)_[a-z_]+\(' "$SOURCE"/platform/include/*/*.h | tr -d '(' | sort -u)
+declared=$(for name in $declared; do grep -qhE "PLATFORM_EXPORT [^;]*\b$name\(" "$SOURCE"/platform/include/*/*.h && echo "$name"; done)
+difference=$(diff <(echo "$declared") <(exported "$BUILD/lib/libkelp-platform.so" | sort -u)) ||
+    fail "libkelp-platform exports other functions than its headers declare: $difference"
+
+# libkelp: what the public headers name.
+public=$(grep -hoE 'class KELP_EXPORT [A-Za-z]+' "$SOURCE"/kelp/*.h | awk '{ print $3 }' | paste -sd '|')
+stray=$(exported "$BUILD/lib/lib$LIBRARY.so" |
+    grep -vE "^((typeinfo|typeinfo name|vtable) for )?(non-virtual thunk to )?kelp::($public)(::|$)" || true)
+[ -z "$stray" ] || fail "lib$LIBRARY exports what is not public: $stray"
+for class in AbstractTarnEventHandler Application ApplicationSupport UIToolkitSupport; do
+    exported "$BUILD/lib/lib$LIBRARY.so" | grep -qx "typeinfo for kelp::$class" || fail "kelp::$class has no typeinfo"
+done
+
+# The platform's functions are looked up when the library is loaded, so that others can take their place.
+objdump -p "$BUILD/lib/lib$LIBRARY.so" | grep -qE 'SYMBOLIC' && fail "lib$LIBRARY is bound to its own symbols"
+nm -D --undefined-only "$BUILD/lib/lib$LIBRARY.so" | grep -q ' navigator_request_events' ||
+    fail "lib$LIBRARY does not look up navigator_request_events"
+exit "$failed"
