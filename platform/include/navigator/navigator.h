@@ -38,19 +38,19 @@ PLATFORM_BEGIN_DECLS
 
 /* Codes of the navigator's events, and what their readers give. */
 enum navigator_event_code {
-    NAVIGATOR_EXIT = 2,               /* the application must end */
-    NAVIGATOR_WINDOW_STATE = 3,       /* a window group changed: window state, group id */
-    NAVIGATOR_SWIPE_DOWN = 4,         /* a swipe from the top edge was completed */
-    NAVIGATOR_SWIPE_START = 5,        /* a swipe from the top edge begins */
-    NAVIGATOR_LOW_MEMORY = 6,         /* memory is short: severity */
-    NAVIGATOR_ORIENTATION_CHECK = 7,  /* may the screen rotate?: id, angle */
-    NAVIGATOR_ORIENTATION = 8,        /* the screen rotates: id, angle */
-    NAVIGATOR_WINDOW_ACTIVE = 10,     /* a window group has the input focus: group id */
-    NAVIGATOR_WINDOW_INACTIVE = 11,   /* a window group has lost it: group id */
-    NAVIGATOR_ORIENTATION_DONE = 12,  /* the rotation is over: angle */
-    NAVIGATOR_APP_STATE = 36,         /* the process's state changed: application state */
-    NAVIGATOR_POOLED = 41,            /* the process has been pooled: id, to be answered */
-    NAVIGATOR_ORIENTATION_SIZE = 42   /* the screen's next size: id, width, height */
+    NAVIGATOR_EXIT = 2,              /* the application must end */
+    NAVIGATOR_WINDOW_STATE = 3,      /* a window group changed: window state, group id */
+    NAVIGATOR_SWIPE_DOWN = 4,        /* a swipe from the top edge was completed */
+    NAVIGATOR_SWIPE_START = 5,       /* a swipe from the top edge begins */
+    NAVIGATOR_LOW_MEMORY = 6,        /* memory is short: severity */
+    NAVIGATOR_ORIENTATION_CHECK = 7, /* may the screen rotate?: id, angle */
+    NAVIGATOR_ORIENTATION = 8,       /* the screen rotates: id, angle */
+    NAVIGATOR_WINDOW_ACTIVE = 10,    /* a window group has the input focus: group id */
+    NAVIGATOR_WINDOW_INACTIVE = 11,  /* a window group has lost it: group id */
+    NAVIGATOR_ORIENTATION_DONE = 12, /* the rotation is over: angle */
+    NAVIGATOR_APP_STATE = 36,        /* the process's state changed: application state */
+    NAVIGATOR_POOLED = 41,           /* the process has been pooled: id, to be answered */
+    NAVIGATOR_ORIENTATION_SIZE = 42  /* the screen's next size: id, width, height */
 };
 
 /* Values of navigator_event_get_window_state(). */
