@@ -23,7 +23,7 @@ namespace kelp {
 class Locker
 {
 public:
-    explicit Locker(QMutex *mutex) : _mutex(mutex)
+    explicit Locker(QBasicMutex *mutex) : _mutex(mutex)
     {
         _mutex->lock();
 #if defined(KELP_THREAD_SANITIZER)
@@ -41,7 +41,7 @@ public:
 private:
     Q_DISABLE_COPY(Locker)
 
-    QMutex *_mutex;
+    QBasicMutex *_mutex; // the base, whose lock is inline also in Qt 5; none of the library's is recursive
 };
 
 } // namespace kelp

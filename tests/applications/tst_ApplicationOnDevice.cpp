@@ -195,5 +195,11 @@ void tst_ApplicationOnDevice::forkedChildHarmsNobody()
     QCOMPARE(thumbnail.count(), 1);
 }
 
-QTEST_APPLESS_MAIN(tst_ApplicationOnDevice)
+// No application object of the test's own: each test makes the one that it is about.
+int main(int argc, char **argv)
+{
+    tst_ApplicationOnDevice test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "tst_ApplicationOnDevice.moc"

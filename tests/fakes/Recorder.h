@@ -13,11 +13,7 @@
 struct tarn_event {
     int domain = 0;
     unsigned int code = 0;
-    void *data = nullptr;
-    void (*release)(void *) = nullptr;
     kelp::test::Fields fields = {};
-
-    ~tarn_event() { release ? release(data) : void(); }
 };
 
 namespace kelp::test {

@@ -7,10 +7,8 @@
 #include <atomic>
 #include <cstdlib>
 #include <deque>
-#include <map>
 #include <mutex>
 
-#include <poll.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 
@@ -22,10 +20,6 @@ using Event = std::unique_ptr<tarn_event>;
 
 std::atomic<int> s_lastDomain{1};
 constexpr int NAVIGATOR_DOMAIN = 1;
-
-std::mutex s_queuesMutex; // guards the next two
-std::map<int, std::weak_ptr<Queue>> s_queues;
-int s_lastQueue = 0;
 
 } // namespace
 
@@ -92,21 +86,13 @@ namespace {
 
 struct OwnQueue {
     std::shared_ptr<Queue> queue = std::make_shared<Queue>();
-    int id = 0;
-
-    OwnQueue()
-    {
-        const std::lock_guard lock(s_queuesMutex);
-        id = ++s_lastQueue;
-        s_queues[id] = queue;
-    }
     ~OwnQueue() { queue->begin(-1000000); } // of an ending thread: it takes no more events
 };
 
-const OwnQueue &own()
+const std::shared_ptr<Queue> &ownQueue()
 {
     thread_local const OwnQueue own;
-    return own;
+    return own.queue;
 }
 
 int failed(int error)
@@ -119,12 +105,12 @@ int failed(int error)
 
 ThreadQueue ThreadQueue::ofThisThread()
 {
-    return ThreadQueue(own().queue);
+    return ThreadQueue(ownQueue());
 }
 
 bool ThreadQueue::post(int domain, unsigned int code, const Fields &fields) const
 {
-    Event event(new tarn_event{domain, code, nullptr, nullptr, fields});
+    Event event(new tarn_event{domain, code, fields});
     return _queue->push(event);
 }
 
@@ -145,26 +131,26 @@ using namespace kelp::test;
 int tarn_initialize(void)
 {
     const int result = asked(__func__);
-    own().queue->begin(result == TARN_SUCCESS ? 1 : 0);
+    ownQueue()->begin(result == TARN_SUCCESS ? 1 : 0);
     return result;
 }
 
 void tarn_shutdown(void)
 {
     told(__func__);
-    own().queue->begin(-1);
+    ownQueue()->begin(-1);
 }
 
 int tarn_queue_descriptor(void)
 {
     const int result = asked(__func__);
-    return result == TARN_SUCCESS ? own().queue->descriptor : result;
+    return result == TARN_SUCCESS ? ownQueue()->descriptor : result;
 }
 
 int tarn_queue_id(void)
 {
     const int result = asked(__func__);
-    return result == TARN_SUCCESS ? own().id : result;
+    return result == TARN_SUCCESS ? 1 : result;
 }
 
 int tarn_next_event(tarn_event_t **event, int timeout_ms)
@@ -172,17 +158,11 @@ int tarn_next_event(tarn_event_t **event, int timeout_ms)
     if (const int result = asked(__func__, timeout_ms)) {
         return result;
     }
-    Queue &queue = *own().queue;
+    Queue &queue = *ownQueue();
     if (!event || queue.begin(0) == 0) {
         return failed(EINVAL);
     }
-    Event next = queue.take();
-    if (!next && timeout_ms != 0) {
-        pollfd readable{queue.descriptor, POLLIN, 0};
-        (void)::poll(&readable, 1, timeout_ms); // interrupted: the same as time being up
-        next = queue.take();
-    }
-    *event = next.release();
+    *event = queue.take().release(); // without waiting for one
     return TARN_SUCCESS;
 }
 
@@ -198,33 +178,16 @@ int navigator_get_domain(void)
     return NAVIGATOR_DOMAIN;
 }
 
-int tarn_event_create(tarn_event_t **event, int domain, unsigned int code, void *data,
-                      void (*release)(void *data))
+int tarn_event_create(tarn_event_t **, int domain, unsigned int code, void *, void (*)(void *))
 {
-    if (const int result = asked(__func__, domain, code)) {
-        return result;
-    }
-    if (!event || domain < 1 || domain > s_lastDomain) {
-        return failed(EINVAL);
-    }
-    *event = new tarn_event{domain, code, data, release}; // the caller's
-    return TARN_SUCCESS;
+    const int result = asked(__func__, domain, code);
+    return result == TARN_SUCCESS ? failed(ENOMEM) : result;
 }
 
 int tarn_event_push(int queue_id, tarn_event_t *event)
 {
-    if (const int result = asked(__func__, queue_id, shown(event))) {
-        return result;
-    }
-    std::shared_ptr<Queue> queue;
-    {
-        const std::lock_guard lock(s_queuesMutex);
-        queue = s_queues[queue_id].lock();
-    }
-    Event owned(event);
-    const bool taken = event && queue && queue->push(owned);
-    (void)owned.release(); // the queue's now, or still the caller's
-    return taken ? TARN_SUCCESS : failed(event ? ESRCH : EINVAL);
+    const int result = asked(__func__, queue_id, shown(event));
+    return result == TARN_SUCCESS ? failed(ESRCH) : result;
 }
 
 void tarn_event_destroy(tarn_event_t *event)
@@ -248,7 +211,7 @@ unsigned int tarn_event_get_code(const tarn_event_t *event)
 void *tarn_event_get_data(const tarn_event_t *event, int domain)
 {
     told(__func__, shown(event), domain);
-    return event && event->domain == domain ? event->data : nullptr;
+    return nullptr;
 }
 
 void tarn_free(void *memory)

@@ -76,12 +76,6 @@ void Queue::end()
     dropSource();
 }
 
-bool Queue::isBegun() const
-{
-    const std::lock_guard lock(_mutex);
-    return _begun > 0;
-}
-
 Event Queue::take()
 {
     _sourceNext = !_sourceNext;

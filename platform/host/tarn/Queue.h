@@ -7,6 +7,7 @@
 #include "EventSource.h"
 #include "platform/link/UniqueFd.h"
 
+#include <atomic>
 #include <deque>
 #include <memory>
 #include <mutex>
@@ -26,9 +27,9 @@ public:
 
     // ---- On the queue's own thread ----
 
-    void begin();         // one more tarn_initialize()
-    void end();           // its tarn_shutdown(); the last drops the pending events and the source
-    bool isBegun() const; // on any thread
+    void begin(); // one more tarn_initialize()
+    void end();   // its tarn_shutdown(); the last drops the pending events and the source
+    bool isBegun() const { return _begun > 0; }
 
     Event take(); // the next event, or none; pushed and delivered ones take turns
 
@@ -64,11 +65,13 @@ private:
     std::unique_ptr<EventSource> _source;
     bool _sourceNext = false; // whose turn it is
 
-    mutable std::mutex _mutex; // guards the rest
+    // How many tarn_initialize() are in force. Changed with _mutex held, which push() relies on.
+    std::atomic<unsigned> _begun{0};
+
+    std::mutex _mutex; // guards the rest
     std::deque<Event> _pushed;
-    unsigned _begun = 0; // how many tarn_initialize() are in force
-    std::deque<Event>
-        _leftBehind; // the parent's events in a forked child: releasing them is the parent's business
+    // The parent's events in a forked child: releasing them is the parent's business.
+    std::deque<Event> _leftBehind;
 };
 
 } // namespace kelp::platform
