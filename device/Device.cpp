@@ -36,7 +36,7 @@ std::vector<int> signalsToTake()
 
 } // namespace
 
-class Device::Private : private NavigatorPort
+class Device::Private final : private NavigatorPort
 {
 public:
     Private(DeviceDirectory claimed, DeviceOptions given);

@@ -30,11 +30,13 @@ namespace kelp {
  * event began is still called for it after it has been unsubscribed, and is skipped once it has been destroyed.
  *
  * Any QAbstractNativeEventFilter of the thread sees each platform event as well, under the event type "tarn_event_t".
+ * One that was installed after the thread's first subscription and returns true keeps the event from the handlers.
  *
  * Threads: subscribe and unsubscribe on the thread that is to receive the events; a subscription is found only on the
  * thread that made it. The handler may be destroyed on any thread, but not while its own event() runs.
  * A thread that has no event dispatcher at its first subscription receives nothing until all its handlers have gone
- * and one subscribes again.
+ * and one subscribes again. After a fork() in a process with several threads, the child must not use handlers, as it
+ * must not use Qt, before it has called exec().
  */
 class KELP_EXPORT AbstractTarnEventHandler
 {

@@ -87,6 +87,8 @@ public Q_SLOTS:
      * loop; false emits manualExit() and leaves the rest to the application.
      */
     void setAutoExit(bool autoExit);
+
+    /*! The choice made by setAutoExit(). */
     bool autoExit() const;
 
     /*!
@@ -115,14 +117,17 @@ protected Q_SLOTS:
 Q_SIGNALS:
     /*! The main window group became a thumbnail. */
     void thumbnail();
+    /*! The window group \a windowGroupID became a thumbnail. */
     void windowGroupThumbnailed(const QString &windowGroupID);
 
     /*! The main window group fills the screen. */
     void fullscreen();
+    /*! The window group \a windowGroupID fills the screen. */
     void windowGroupFullscreen(const QString &windowGroupID);
 
     /*! The main window group is out of sight. */
     void invisible();
+    /*! The window group \a windowGroupID is out of sight. */
     void windowGroupInvisible(const QString &windowGroupID);
 
     /*! A person swiped down from the top edge: time to show the application's menu. */
@@ -130,15 +135,18 @@ Q_SIGNALS:
 
     /*! The main window group lost the input focus. */
     void asleep();
+    /*! The window group \a windowGroupID lost the input focus. */
     void windowGroupAsleep(const QString &windowGroupID);
 
     /*! The main window group has the input focus. */
     void awake();
+    /*! The window group \a windowGroupID has the input focus. */
     void windowGroupAwake(const QString &windowGroupID);
 
     /*! With autoExit false: the navigator asks the application to exit. Leave the event loop soon. */
     void manualExit();
 
+    /*! setAutoExit() changed the choice to \a newAutoExit. */
     void autoExitChanged(bool newAutoExit);
 
     /*! The state of the process changed; the same with the number of the state follows. */

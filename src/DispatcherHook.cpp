@@ -67,6 +67,9 @@ DispatcherHook::EventFilter DispatcherHook::setFilter(QThread *thread, EventFilt
             hook = new DispatcherHook(thread, dispatcher);
             hooks().byThread.insert(thread, hook);
         }
+        if (filter) {
+            hook->watchQueue();
+        }
     }
     return hook ? std::exchange(hook->_filter, filter) : nullptr;
 }
@@ -77,10 +80,15 @@ DispatcherHook::DispatcherHook(QThread *thread, QAbstractEventDispatcher *dispat
       _dispatcher(dispatcher)
 {
     dispatcher->installNativeEventFilter(this);
-    const int descriptor = tarn_queue_descriptor();
+}
+
+// Tried again at each first subscription: the process may have been out of descriptors before.
+void DispatcherHook::watchQueue()
+{
+    const int descriptor = _notifier ? -1 : tarn_queue_descriptor();
     if (descriptor >= 0) {
-        auto *notifier = new QSocketNotifier(descriptor, QSocketNotifier::Read, this);
-        connect(notifier, &QSocketNotifier::activated, this, [this] { pump(); });
+        _notifier = new QSocketNotifier(descriptor, QSocketNotifier::Read, this);
+        connect(_notifier, &QSocketNotifier::activated, this, [this] { pump(); });
     }
 }
 

@@ -15,6 +15,7 @@
 #include <QtCore/QObject>
 
 class QAbstractEventDispatcher;
+class QSocketNotifier;
 class QThread;
 
 namespace kelp {
@@ -36,11 +37,13 @@ public:
 private:
     DispatcherHook(QThread *thread, QAbstractEventDispatcher *dispatcher);
 
+    void watchQueue();
     void pump();
 
     QThread *const _thread; // a key, never looked into
     QAbstractEventDispatcher *const _dispatcher;
-    EventFilter _filter = nullptr; // guarded by the lock over all hooks
+    QSocketNotifier *_notifier = nullptr; // of the queue's descriptor; null where none could be had yet
+    EventFilter _filter = nullptr;        // guarded by the lock over all hooks
 };
 
 } // namespace kelp

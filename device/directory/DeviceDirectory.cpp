@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <system_error>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -22,7 +23,7 @@ constexpr char LOCK_NAME[] = "lock";
 
 [[noreturn]] void fail(const std::string &path, const char *what, int error)
 {
-    throw DirectoryError(path + " cannot be " + what + " (" + std::strerror(error) +
+    throw DirectoryError(path + " cannot be " + what + " (" + std::generic_category().message(error) +
                          "): choose another directory with --device");
 }
 

@@ -8,7 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
+#include <system_error>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -60,7 +60,9 @@ DirectoryCheck::DirectoryCheck(const std::string &path)
     };
     if (!opened || ::fstat(opened.get(), &found) != 0) {
         isMissing = errno == ENOENT;
-        refusal = isMissing ? "" : path + " cannot be opened (" + std::strerror(errno) + "): " + ELSE;
+        refusal = isMissing
+                      ? ""
+                      : path + " cannot be opened (" + std::generic_category().message(errno) + "): " + ELSE;
         return;
     }
     refusal = refusalOf(path, found);

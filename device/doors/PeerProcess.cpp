@@ -8,7 +8,7 @@
 
 namespace kelp::device {
 
-PeerProcess::PeerProcess(EventLoop &loop, ProcessHandle handle, EventLoop::Callback ended)
+PeerProcess::PeerProcess(EventLoop &loop, ProcessHandle handle, const EventLoop::Callback &ended)
     : _loop(loop),
       _handle(std::move(handle))
 {
@@ -16,10 +16,9 @@ PeerProcess::PeerProcess(EventLoop &loop, ProcessHandle handle, EventLoop::Callb
         return; // the end of its connection must do
     }
     _watch = loop.watch(_handle.descriptor());
-    _watch.onReadable([this, ended = std::move(ended)] {
-        const EventLoop::Callback notify = ended; // this callback goes with the watch
-        _watch.end();
-        notify();
+    _watch.onReadable([this, ended] {
+        _watch.end(); // it would be readable for ever
+        ended();
     });
 }
 
@@ -29,10 +28,10 @@ void PeerProcess::signal(int number) const
 }
 
 void PeerProcess::openChannel(ChannelId id, link::UniqueFd socket, std::size_t backlog,
-                              EventChannel::Ended ended)
+                              const EventChannel::Ended &ended)
 {
     _channels.emplace(std::piecewise_construct, std::forward_as_tuple(id),
-                      std::forward_as_tuple(_loop, std::move(socket), backlog, std::move(ended)));
+                      std::forward_as_tuple(_loop, std::move(socket), backlog, ended));
 }
 
 void PeerProcess::dropEndedChannels()
@@ -56,8 +55,9 @@ void PeerProcess::sendTo(ChannelId channel, const link::Event &event)
 
 bool PeerProcess::hasRoom(std::size_t events) const
 {
-    return std::all_of(_channels.begin(), _channels.end(),
-                       [events](const auto &entry) { return entry.second.hasRoom(events); });
+    return _channels.empty() || std::any_of(_channels.begin(), _channels.end(), [events](const auto &entry) {
+               return entry.second.hasRoom(events);
+           });
 }
 
 } // namespace kelp::device

@@ -16,7 +16,7 @@ class PeerProcess
 public:
     // ended is called, once, when the process has ended; it must not destroy the PeerProcess.
     // Throws std::system_error when the process cannot be watched.
-    PeerProcess(EventLoop &loop, ProcessHandle handle, EventLoop::Callback ended);
+    PeerProcess(EventLoop &loop, ProcessHandle handle, const EventLoop::Callback &ended);
     PeerProcess(const PeerProcess &) = delete;
     PeerProcess &operator=(const PeerProcess &) = delete;
 
@@ -25,7 +25,8 @@ public:
 
     std::size_t channels() const { return _channels.size(); }
     // Throws std::system_error when the socket cannot be watched.
-    void openChannel(ChannelId id, link::UniqueFd socket, std::size_t backlog, EventChannel::Ended ended);
+    void openChannel(ChannelId id, link::UniqueFd socket, std::size_t backlog,
+                     const EventChannel::Ended &ended);
     // Lets the channels go that have ended.
     void dropEndedChannels();
 

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <system_error>
 #include <tuple>
 
@@ -112,7 +111,8 @@ Outcome SocketDoor::admitApplication(Connection &connection)
     }
     ProcessHandle handle;
     if (const int error = ProcessHandle::ofPeer(connection.descriptor(), handle)) {
-        return {error, std::string("the client's process cannot be followed: ") + std::strerror(error)};
+        return {error, std::string("the client's process cannot be followed: ") +
+                           std::generic_category().message(error)};
     }
     const pid_t pid = handle.pid();
     const std::string name = handle.programName();

@@ -10,6 +10,7 @@
 #include <boost/asio/signal_set.hpp>
 
 #include <array>
+#include <csignal>
 #include <system_error>
 #include <utility>
 
@@ -162,12 +163,19 @@ EventLoop::Watch EventLoop::watch(int descriptor)
 void EventLoop::onSignals(const std::vector<int> &signals, std::function<void(int)> callback)
 {
     d->onSignal = std::move(callback);
+    sigset_t taken;
+    ::sigemptyset(&taken);
     for (const int signal : signals) {
         ErrorCode error;
         d->signals.add(signal, error);
         if (error) {
             fail(error, "cannot take a signal");
         }
+        ::sigaddset(&taken, signal);
+    }
+    // Whoever started this process may have blocked them for good.
+    if (const int error = ::pthread_sigmask(SIG_UNBLOCK, &taken, nullptr)) {
+        throw std::system_error(error, std::system_category(), "cannot unblock signals");
     }
     d->awaitSignal();
 }

@@ -56,7 +56,8 @@ public:
     // An event for every channel of a process, or for one channel.
     virtual void send(ProcessId process, const link::Event &event) = 0;
     virtual void sendTo(ChannelId channel, const link::Event &event) = 0;
-    // Whether every channel of the process can take that many more events.
+    // Whether a channel of the process can take that many more events, or it has none. One that cannot, while another
+    // does, is closed at what it does not take: a thread that does not read keeps nothing from the others.
     virtual bool hasRoom(ProcessId process, std::size_t events) = 0;
     // Sends a signal to a process.
     virtual void signal(ProcessId process, int signal) = 0;

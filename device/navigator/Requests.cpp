@@ -107,7 +107,9 @@ Outcome Requests::minimise(Application &application)
     if (!application.isLaunched()) {
         return refuseOutsider("minimizeWindow");
     }
-    return _windows.stepBack(application, application.groups().front(), NAVIGATOR_WINDOW_THUMBNAIL);
+    const WindowGroup *inFront = application.fullScreenGroup();
+    return _windows.stepBack(application, inFront ? *inFront : application.groups().front(),
+                             NAVIGATOR_WINDOW_THUMBNAIL);
 }
 
 std::string describe(const link::Request &request)

@@ -8,9 +8,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <fstream>
 #include <string_view>
+#include <system_error>
 
 #include <fcntl.h>
 #include <sys/prctl.h>
@@ -42,6 +42,7 @@ private:
 std::vector<char *> pointersTo(const std::vector<std::string> &texts)
 {
     std::vector<char *> pointers;
+    pointers.reserve(texts.size() + 1);
     for (const std::string &text : texts) {
         pointers.push_back(const_cast<char *>(text.c_str())); // the C interface does not write to them
     }
@@ -81,7 +82,7 @@ std::vector<std::string> environmentWith(const std::vector<std::string> &variabl
     case ENOMEM:
         throw LaunchError(125, sentence + "no process or memory is left: end some others first");
     default:
-        throw LaunchError(126, sentence + std::strerror(error));
+        throw LaunchError(126, sentence + std::generic_category().message(error));
     }
 }
 

@@ -14,7 +14,7 @@ namespace kelp::device {
 class TraceWriter
 {
 public:
-    static constexpr std::uint64_t MAX_FILE_BYTES = 8 * 1024 * 1024;
+    static constexpr std::uint64_t MAX_FILE_BYTES = 8'388'608;
 
     // Writes to standard error.
     TraceWriter() = default;

@@ -4,11 +4,16 @@
 
 #include "Message.h"
 
+#include <chrono>
+
 namespace kelp::link {
+
+// The time that a client gives the device to answer, signals and all.
+inline constexpr std::chrono::seconds ANSWER_TIME{10};
 
 // Sends a message with a serial, and with a descriptor unless passed is -1, and waits for its answer, whose parts it
 // puts together. Returns 0 and sets reply; otherwise one of
-//   EAGAIN      the connection's limit of waiting has passed,
+//   EAGAIN      the device has not answered within ANSWER_TIME,
 //   ECONNRESET  the device has closed the connection,
 //   EPROTO      what came is no answer to this message.
 // After a failure the two ends are out of step: the connection is of no more use.

@@ -11,7 +11,7 @@ namespace kelp::link {
 inline constexpr std::uint32_t PROTOCOL_VERSION = 1;
 
 // The largest message in bytes, header included. One datagram of the socket carries one message.
-inline constexpr std::size_t MAX_MESSAGE_BYTES = 131072;
+inline constexpr std::size_t MAX_MESSAGE_BYTES = 163840;
 
 // The largest message in bytes on an event channel: what a thread's queue reads without allocating.
 inline constexpr std::size_t MAX_EVENT_BYTES = 2048;

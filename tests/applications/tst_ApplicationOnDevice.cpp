@@ -8,10 +8,12 @@
 
 #include <navigator/navigator.h>
 
+#include <QEventLoop>
 #include <QSignalSpy>
 #include <QTest>
 #include <QThread>
 
+#include <atomic>
 #include <cerrno>
 #include <memory>
 
@@ -122,34 +124,26 @@ void tst_ApplicationOnDevice::manualExitGetsMoreTime()
 void tst_ApplicationOnDevice::eachThreadHasItsOwnEvents()
 {
     Launched on;
-    QThread thread;
-    QObject context;
-    context.moveToThread(&thread);
-    std::unique_ptr<kelp::UIToolkitSupport> support;
     std::atomic<int> fullScreen{0};
     std::atomic<int> thumbnails{0};
-    thread.start();
-    QMetaObject::invokeMethod(
-        &context,
-        [&] {
-            support = std::make_unique<kelp::UIToolkitSupport>();
-            QObject::connect(support.get(), &kelp::UIToolkitSupport::uiStateChanged, support.get(),
-                             [&](kelp::ProcessUIState::Type state) {
-                                 fullScreen += state == kelp::ProcessUIState::FullScreen;
-                                 thumbnails += state == kelp::ProcessUIState::Thumbnail;
-                             });
-        },
-        Qt::BlockingQueuedConnection);
+    const std::unique_ptr<QThread> thread(QThread::create([&] {
+        kelp::UIToolkitSupport support;
+        QObject::connect(&support, &kelp::UIToolkitSupport::uiStateChanged, &support,
+                         [&](kelp::ProcessUIState::Type state) {
+                             fullScreen += state == kelp::ProcessUIState::FullScreen;
+                             thumbnails += state == kelp::ProcessUIState::Thumbnail;
+                         });
+        QEventLoop().exec();
+    }));
+    thread->start();
     QTRY_COMPARE_WITH_TIMEOUT(fullScreen.load(), 1, 20'000);
 
     QCOMPARE(on.device.tell(words("event thumbnail")), 0);
 
     QTRY_COMPARE_WITH_TIMEOUT(thumbnails.load(), 1, 20'000);
     QTRY_VERIFY_WITH_TIMEOUT(on.application.isThumbnailed(), 20'000);
-    QMetaObject::invokeMethod(
-        &context, [&] { support.reset(); }, Qt::BlockingQueuedConnection);
-    thread.quit();
-    QVERIFY(thread.wait(20'000));
+    thread->quit();
+    QVERIFY(thread->wait(20'000));
     QCOMPARE(fullScreen.load(), 1);
 }
 

@@ -118,7 +118,7 @@ TEST_F(DoorConnections, SilentClientsGiveWayAndGreetedOnesDoNot)
 TEST_F(DoorConnections, AClientThatLeavesItsRepliesUnreadLosesItsConnection)
 {
     device::DoorLimits limits;
-    limits.replyBacklogBytes = 64 * 1024;
+    limits.replyBacklogBytes = std::size_t(64) << 10;
     startDevice(limits);
     DoorClient bystander = application();
     DoorClient deaf = control();

@@ -61,11 +61,10 @@ std::string contentOf(int file)
 [[noreturn]] void become(const std::vector<std::string> &command, const Command::Environment &environment,
                          int input, int output, int errors)
 {
-    std::vector<char *> arguments;
-    for (const std::string &argument : command) {
-        arguments.push_back(const_cast<char *>(argument.c_str()));
+    const std::vector<char *> arguments = pointersTo(command);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
+        std::signal(number, SIG_DFL); // whatever the test was started with
     }
-    arguments.push_back(nullptr);
     for (const auto &[name, value] : environment) {
         ::setenv(name.c_str(), value.c_str(), 1);
     }
@@ -157,6 +156,17 @@ Result Command::finish()
 Result Command::run(const std::vector<std::string> &command, const Environment &environment)
 {
     return Command(command, environment).finish();
+}
+
+std::vector<char *> pointersTo(const std::vector<std::string> &texts)
+{
+    std::vector<char *> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (const std::string &text : texts) {
+        pointers.push_back(const_cast<char *>(text.c_str())); // nobody writes to them
+    }
+    pointers.push_back(nullptr);
+    return pointers;
 }
 
 std::vector<std::string> kelpDevice(std::vector<std::string> arguments)

@@ -54,6 +54,9 @@ private:
     std::size_t _consumed = 0; // of it, by awaitLine()
 };
 
+// A null-terminated array of C strings that lives as long as the texts do.
+std::vector<char *> pointersTo(const std::vector<std::string> &texts);
+
 // kelp-device with these arguments.
 std::vector<std::string> kelpDevice(std::vector<std::string> arguments);
 

@@ -101,7 +101,8 @@ TEST_F(Directory, WhatADeadDeviceLeavesIsTakenOver)
     eventually([&] { return Command::run(kelpDevice({"status"})).exitCode == 3; });
 
     expectFailure({"status"}, 3, "has died and left its socket");
-    held({"start"});
+    eventually(
+        [&] { return Command::run(kelpDevice({"start"})).exitCode == 0; }); // it may still hold its lock
 
     EXPECT_NE(held({"status"}).find("A device runs in " + home()), std::string::npos);
     EXPECT_NE(deviceIn(home()), dead);
@@ -121,11 +122,17 @@ TEST_F(Directory, ThePathIsQuotedForTheShellAndServesAsItIs)
 
 TEST_F(Directory, ADeviceOutOfDescriptorsServesThoseItHasAndRecovers)
 {
-    const Result started = Command::run({"sh", "-c", "ulimit -n 32; exec \"$0\" start", KELP_DEVICE_PROGRAM});
-    ASSERT_EQ(started.exitCode, 0) << started.errors;
+#ifdef SANITIZER_NEEDS_DESCRIPTORS
+    GTEST_SKIP() << "the sanitizer's own checks need descriptors, and take the lack of them for a fault";
+#endif
+    const Result started =
+        Command::run({"sh", "-c", "exec 9>&1; ulimit -n 32; exec \"$0\" start", KELP_DEVICE_PROGRAM});
+    ASSERT_EQ(started.exitCode, 0) << started.errors; // and no copy of the pipe is left to the device
     DoorClient early(home(), link::Role::Control);
+    constexpr std::size_t MANY = 64;
     std::vector<DoorClient> many;
-    for (int i = 0; i < 64; ++i) {
+    many.reserve(MANY);
+    for (std::size_t i = 0; i < MANY; ++i) {
         many.emplace_back(home());
     }
 

@@ -148,11 +148,20 @@ TEST_F(Run, AnApplicationThatOverstaysIsEnded)
     impatient.signal(SIGINT); // once more
     EXPECT_EQ(impatient.finish().exitCode, 128 + SIGKILL);
 
+    // The application has gone, but what it was started from lingers.
+    Command lingering(
+        runOf({"sh", "-c", "\"$0\" obey; echo after; sleep 86400", CLIENT_PROGRAM}, {"--grace", "86400"}));
+    lingering.awaitLine("ready");
+    lingering.signal(SIGINT);
+    lingering.awaitLine("after");
+    lingering.signal(SIGINT); // once more
+    EXPECT_EQ(lingering.finish().exitCode, 128 + SIGKILL);
+
     // Never became an application: there is nothing to wait for.
-    Command stranger(runOf(shell("echo here; exec sleep 86400"), {"--grace", "86400"}));
+    Command stranger(runOf(shell("trap 'exit 9' TERM; sleep 86400 & echo here; wait"), {"--grace", "86400"}));
     stranger.awaitLine("here");
     stranger.signal(SIGINT);
-    EXPECT_EQ(stranger.finish().exitCode, 128 + SIGTERM);
+    EXPECT_EQ(stranger.finish().exitCode, 9);
 }
 
 TEST_F(Run, BuriesOrphansAndLeavesNobodyBehind)
@@ -201,11 +210,7 @@ std::string typeInto(const std::vector<std::string> &command, const std::string 
     if (!keyboard || ::grantpt(keyboard.get()) != 0 || ::unlockpt(keyboard.get()) != 0) {
         return "no terminal";
     }
-    std::vector<char *> arguments;
-    for (const std::string &argument : command) {
-        arguments.push_back(const_cast<char *>(argument.c_str()));
-    }
-    arguments.push_back(nullptr);
+    const std::vector<char *> arguments = pointersTo(command);
     const std::string name = ::ptsname(keyboard.get());
     const pid_t child = ::fork();
     if (child == 0) {

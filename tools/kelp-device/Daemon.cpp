@@ -7,8 +7,8 @@
 #include "platform/link/UniqueFd.h"
 
 #include <cerrno>
-#include <cstring>
 #include <string>
+#include <system_error>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -25,7 +25,8 @@ constexpr int START_TIME_MS = 30'000;
 
 [[noreturn]] void fail(const std::string &what)
 {
-    throw Failure(EXIT_REFUSED, "cannot start a device: " + what + ": " + std::strerror(errno));
+    throw Failure(EXIT_REFUSED,
+                  "cannot start a device: " + what + ": " + std::generic_category().message(errno));
 }
 
 // Lets go of all that this process has from the one that started it, but for the pipe to it.

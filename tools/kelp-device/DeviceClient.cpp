@@ -5,19 +5,18 @@
 
 #include "Failure.h"
 #include "device/directory/DirectoryCheck.h"
+#include "platform/link/Exchange.h"
 #include "platform/link/Limits.h"
 #include "platform/link/Socket.h"
 
 #include <cerrno>
-#include <cstring>
+#include <system_error>
 
 #include <poll.h>
 
 namespace kelp::tool {
 
 namespace {
-
-constexpr std::chrono::seconds ANSWER_TIME{10};
 
 [[noreturn]] void failConnect(const std::string &directory, int error)
 {
@@ -34,7 +33,7 @@ constexpr std::chrono::seconds ANSWER_TIME{10};
         throw Failure(EXIT_TIME_OUT, "the device in " + directory + " takes no connection: is it stopped?");
     default:
         throw Failure(EXIT_NO_DEVICE, "cannot connect to the device in " + directory + " (" +
-                                          std::strerror(error) +
+                                          std::generic_category().message(error) +
                                           "): start another with `kelp-device start --device`");
     }
 }
@@ -53,7 +52,7 @@ DeviceClient::DeviceClient(const std::string &directory) : _directory(directory)
     if (!check.refusal.empty()) {
         throw Failure(EXIT_NO_DEVICE, check.refusal);
     }
-    if (const int error = link::connectToDevice(directory, ANSWER_TIME, _socket)) {
+    if (const int error = link::connectToDevice(directory, link::ANSWER_TIME, _socket)) {
         failConnect(directory, error);
     }
     (void)exchange(link::Hello{link::PROTOCOL_VERSION, link::Role::Control}); // its answer has no text
@@ -84,38 +83,15 @@ void DeviceClient::awaitEnd(std::chrono::milliseconds timeout)
 
 std::string DeviceClient::exchange(link::Body body)
 {
-    if (const int error = link::sendMessage(_socket.get(), link::encode({++_serial, std::move(body)}))) {
-        fail(error);
-    }
-    std::string text;
     link::Reply reply;
-    do {
-        reply = receive();
-        text += reply.text;
-    } while (reply.more);
-    if (reply.status) {
-        throw Failure(EXIT_REFUSED, text.empty() ? std::strerror(reply.status) : text);
-    }
-    return text;
-}
-
-link::Reply DeviceClient::receive()
-{
-    std::vector<char> buffer(link::MAX_MESSAGE_BYTES);
-    std::size_t length = 0;
-    link::UniqueFd passed;
-    if (const int error = link::receiveMessage(_socket.get(), buffer.data(), buffer.size(), length, passed)) {
+    if (const int error = link::exchange(_socket.get(), ++_serial, std::move(body), -1, reply)) {
         fail(error);
     }
-    auto message = link::decode({buffer.data(), length});
-    auto *reply = message ? std::get_if<link::Reply>(&message->body) : nullptr;
-    if (length == 0) {
-        fail(ECONNRESET);
+    if (reply.status) {
+        throw Failure(EXIT_REFUSED,
+                      reply.text.empty() ? std::generic_category().message(reply.status) : reply.text);
     }
-    if (!reply || message->serial != _serial) {
-        fail(EPROTO);
-    }
-    return std::move(*reply);
+    return reply.text;
 }
 
 void DeviceClient::fail(int error) const

@@ -30,7 +30,6 @@ public:
 
 private:
     std::string exchange(link::Body body);
-    link::Reply receive();
     [[noreturn]] void fail(int error) const;
 
     std::string _directory;

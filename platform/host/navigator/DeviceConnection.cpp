@@ -19,8 +19,6 @@ namespace kelp::platform {
 
 namespace {
 
-constexpr std::chrono::seconds ANSWER_TIME{10};
-
 // A failed connect(2) as callers are told of it: most causes mean that no device is there.
 int connectError(int error)
 {
@@ -80,7 +78,7 @@ int DeviceConnection::connect()
     if (!directory || !*directory) {
         return ENOTCONN;
     }
-    if (const int error = link::connectToDevice(directory, ANSWER_TIME, _socket)) {
+    if (const int error = link::connectToDevice(directory, link::ANSWER_TIME, _socket)) {
         return connectError(error);
     }
     link::Reply reply;

@@ -99,8 +99,8 @@ int navigator_clear_close_prompt(void)
 int navigator_raw_write(const char *data, unsigned int length)
 {
     return resultOf([=] {
-        if (!data) {
-            return EINVAL;
+        if (!data || length > link::MAX_TEXT_BYTES) {
+            return data ? E2BIG : EINVAL;
         }
         std::string text;
         return send({RequestCode::RawWrite, 0, std::string(data, length), {}}, text);

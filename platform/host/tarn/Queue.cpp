@@ -3,6 +3,8 @@
 
 #include "Queue.h"
 
+#include "platform/host/NeverDestroyed.h"
+
 #include <cerrno>
 #include <cstdint>
 #include <system_error>
@@ -23,15 +25,24 @@ link::UniqueFd checked(int descriptor, const char *call)
     return link::UniqueFd(descriptor);
 }
 
-// Gives the file of a descriptor to another number, which loses its own.
-void moveTo(int number, int descriptor)
+// Opens another file under the number of a descriptor. The old one is closed first: a process may be at its limit.
+template <typename Open>
+void reopen(link::UniqueFd &descriptor, Open open)
 {
-    if (descriptor < 0) {
-        ::close(number);
-        return;
+    const int number = descriptor.get();
+    descriptor.reset();
+    link::UniqueFd opened(open());
+    if (opened && opened.get() != number) {
+        opened.reset(::dup3(opened.get(), number, O_CLOEXEC));
     }
-    (void)::dup3(descriptor, number, O_CLOEXEC); // cannot fail: both numbers are open and differ
-    ::close(descriptor);
+    descriptor = std::move(opened);
+}
+
+// The parent's events in a forked child. Releasing them is the parent's business, so they are never destroyed.
+std::list<Event> &leftBehind()
+{
+    static NeverDestroyed<std::list<Event>> events;
+    return *events;
 }
 
 } // namespace
@@ -62,18 +73,21 @@ void Queue::begin()
 
 void Queue::end()
 {
-    std::deque<Event> dropped; // ends after the lock: releasing an event's data is a stranger's code
+    std::list<Event> dropped; // ends after the lock: releasing an event's data is a stranger's code
     {
         const std::lock_guard lock(_mutex);
         if (_begun == 0 || --_begun > 0) {
             return;
         }
+    }
+    dropSource();
+    {
+        const std::lock_guard lock(_mutex);
         dropped.swap(_pushed);
         if (!dropped.empty()) {
             clearSignal();
         }
     }
-    dropSource();
 }
 
 Event Queue::take()
@@ -132,21 +146,44 @@ void Queue::dropSource()
     if (!_source) {
         return;
     }
+    std::list<Event> delivered;
+    bool ended = false;
+    while (Event event = ended ? Event() : _source->take(ended)) {
+        delivered.push_back(std::move(event));
+    }
     // By hand: closing does not end the interest while a forked child still has the file open.
     ::epoll_ctl(_descriptor.get(), EPOLL_CTL_DEL, _source->descriptor(), nullptr);
     _source.reset();
+    append(delivered);
+}
+
+void Queue::append(std::list<Event> &events)
+{
+    const std::lock_guard lock(_mutex);
+    const bool wasEmpty = _pushed.empty();
+    _pushed.splice(_pushed.end(), events);
+    if (wasEmpty && !_pushed.empty()) {
+        raiseSignal();
+    }
 }
 
 int Queue::push(Event &event)
 {
+    std::list<Event> one;
+    try {
+        one.emplace_back(); // before the event is touched: there may be no memory
+    } catch (const std::bad_alloc &) {
+        return ENOMEM;
+    }
     const std::lock_guard lock(_mutex);
     if (_begun == 0) {
         return ESRCH;
     }
-    _pushed.push_back(std::move(event));
-    if (_pushed.size() == 1) {
+    one.front() = std::move(event);
+    if (_pushed.empty()) {
         raiseSignal();
     }
+    _pushed.splice(_pushed.end(), one);
     return 0;
 }
 
@@ -164,10 +201,10 @@ void Queue::clearSignal()
 
 void Queue::startAfresh() noexcept
 {
-    moveTo(_descriptor.get(), ::epoll_create1(EPOLL_CLOEXEC));
-    moveTo(_signal.get(), ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
     _source.reset(); // closes the child's copy; the interest in it belongs to the parent's epoll
-    _leftBehind.swap(_pushed);
+    reopen(_descriptor, [] { return ::epoll_create1(EPOLL_CLOEXEC); });
+    reopen(_signal, [] { return ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK); });
+    leftBehind().splice(leftBehind().end(), _pushed);
     try {
         watch(_signal.get());
     } catch (const std::system_error &) {
@@ -180,7 +217,7 @@ void Queue::abandon() noexcept
     _descriptor.reset();
     _signal.reset();
     _source.reset();
-    _leftBehind.swap(_pushed);
+    leftBehind().splice(leftBehind().end(), _pushed);
     _begun = 0;
 }
 

@@ -8,7 +8,7 @@
 #include "platform/link/UniqueFd.h"
 
 #include <atomic>
-#include <deque>
+#include <list>
 #include <memory>
 #include <mutex>
 
@@ -35,11 +35,11 @@ public:
 
     bool hasSource();                                    // false also when its service has gone
     void setSource(std::unique_ptr<EventSource> source); // throws std::system_error; the queue has none yet
-    void dropSource();
+    void dropSource(); // what it has delivered is pending from now on like what is pushed
 
     // ---- On any thread ----
 
-    // Takes the event over and returns 0, or leaves it and returns ESRCH while the queue is not begun.
+    // Takes the event over and returns 0, or leaves it and returns ESRCH (the queue is not begun) or ENOMEM.
     int push(Event &event);
 
     // ---- Around a fork() ----
@@ -47,7 +47,7 @@ public:
     void lock() { _mutex.lock(); }
     void unlock() { _mutex.unlock(); }
     // In the child, which shares the parent's descriptors and must not touch what they stand for: the same numbers
-    // for descriptors of its own, no events, no source. Without descriptors to be had, the queue stays silent.
+    // for descriptors of its own, no events, no source. Without memory for them, the queue stays silent.
     void startAfresh() noexcept;
     // In the child, for the queue of a thread that does not exist there.
     void abandon() noexcept;
@@ -56,6 +56,7 @@ private:
     Event takePushed();
     Event takeDelivered();
     void watch(int descriptor);
+    void append(std::list<Event> &events);
     void raiseSignal();
     void clearSignal();
 
@@ -69,9 +70,7 @@ private:
     std::atomic<unsigned> _begun{0};
 
     std::mutex _mutex; // guards the rest
-    std::deque<Event> _pushed;
-    // The parent's events in a forked child: releasing them is the parent's business.
-    std::deque<Event> _leftBehind;
+    std::list<Event> _pushed;
 };
 
 } // namespace kelp::platform

@@ -24,6 +24,9 @@ Queue *ownQueue()
 // Waits until the queue is readable or the moment has come. Returns 0, or the errno of poll(2).
 int waitForEvent(const Queue &queue, bool limited, std::chrono::steady_clock::time_point moment)
 {
+    if (queue.descriptor() < 0) {
+        return EBADF;
+    }
     int timeoutMs = -1;
     if (limited) {
         const auto left =

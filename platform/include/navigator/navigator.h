@@ -153,7 +153,7 @@ PLATFORM_EXPORT int navigator_set_close_prompt(const char *title, const char *me
 PLATFORM_EXPORT int navigator_clear_close_prompt(void);
 
 /* Sends length bytes of PPS text as a request of its own, named by its attribute "msg". The navigator knows
- * "minimizeWindow", which turns the application's main window group into a thumbnail. EINVAL for text that is
+ * "minimizeWindow", which turns the application's window group in front (or else its main one) into a thumbnail. EINVAL for text that is
  * malformed or has no "msg"; ENOTSUP for another message; E2BIG beyond NAVIGATOR_MAX_TEXT bytes. */
 PLATFORM_EXPORT int navigator_raw_write(const char *data, unsigned int length);
 

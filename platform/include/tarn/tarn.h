@@ -39,7 +39,8 @@ PLATFORM_BEGIN_DECLS
 typedef struct tarn_event tarn_event_t;
 
 /* Begins the calling thread's use of platform events. Calls nest: each successful one needs a tarn_shutdown().
- * Returns TARN_SUCCESS, or TARN_FAILURE with the errno of the queue's creation (EMFILE, ENFILE, ENOMEM). */
+ * Returns TARN_SUCCESS, or TARN_FAILURE with the errno of the queue's creation (EMFILE, ENFILE, ENOMEM), or EINVAL
+ * while the thread is ending. */
 PLATFORM_EXPORT int tarn_initialize(void);
 
 /* Ends what the matching tarn_initialize() began. The last one of a thread drops the events that are still pending
@@ -51,11 +52,13 @@ PLATFORM_EXPORT void tarn_shutdown(void);
  * service went away until tarn_next_event() has noticed it. Works with poll, select and epoll.
  * The number may be asked for before tarn_initialize(), stays the same until the thread ends, and belongs to the
  * queue: never read, write or close it.
- * Returns TARN_FAILURE with the errno of the queue's creation (EMFILE, ENFILE, ENOMEM). */
+ * Returns TARN_FAILURE with the errno of the queue's creation (EMFILE, ENFILE, ENOMEM), or EINVAL while the thread is
+ * ending. */
 PLATFORM_EXPORT int tarn_queue_descriptor(void);
 
 /* The number that names the calling thread's queue to tarn_event_push(). Positive, never used twice in a process.
- * Returns TARN_FAILURE with the errno of the queue's creation (EMFILE, ENFILE, ENOMEM). */
+ * Returns TARN_FAILURE with the errno of the queue's creation (EMFILE, ENFILE, ENOMEM), or EINVAL while the thread is
+ * ending. */
 PLATFORM_EXPORT int tarn_queue_id(void);
 
 /* Takes the next event of the calling thread's queue, waiting up to timeout_ms milliseconds (0: do not wait,
@@ -63,7 +66,8 @@ PLATFORM_EXPORT int tarn_queue_id(void);
  * Returns TARN_SUCCESS and sets *event to an event that the caller ends with tarn_event_destroy(), or to NULL when
  * the time ran out. Returns TARN_FAILURE with errno
  *   EINVAL  event is NULL, or the thread has not called tarn_initialize(),
- *   EINTR   a signal handler ran during the wait. */
+ *   EINTR   a signal handler ran during the wait,
+ *   EBADF   the queue has lost its descriptors, in the child of a fork() that had no memory for them. */
 PLATFORM_EXPORT int tarn_next_event(tarn_event_t **event, int timeout_ms);
 
 /* A new event domain: the number by which receivers tell one sender's events from another's. Positive, and never
@@ -82,6 +86,7 @@ PLATFORM_EXPORT int tarn_event_create(tarn_event_t **event, int domain, unsigned
  * Events of one pushing thread arrive in the order of its calls.
  * Returns TARN_FAILURE, the event still the caller's, with errno
  *   EINVAL  event is NULL,
+ *   ENOMEM  there is no memory for it,
  *   ESRCH   there is no such queue (any more), or its thread does not take part in platform events now. */
 PLATFORM_EXPORT int tarn_event_push(int queue_id, tarn_event_t *event);
 

@@ -1,68 +1,26 @@
 // SPDX-License-Identifier: Apache-2.0
-// AbstractTarnEventHandler, TarnEventManager and DispatcherHook together: which handlers see which events, on which
-// thread, in which order, and what is left behind.
+// AbstractTarnEventHandler, TarnEventManager and DispatcherHook together, on one thread: which handlers see which
+// events, in which order, and what is left behind.
 
 #include "DispatcherHook.h"
+#include "Handler.h"
 #include "MessageLog.h"
-#include "QtThread.h"
 #include "RecordingPlatform.h"
 #include "TarnEventManager.h"
 
-#include <kelp/AbstractTarnEventHandler.h>
-
 #include <QtCore/QAbstractEventDispatcher>
 #include <QtCore/QCoreApplication>
-#include <QtCore/QEventLoop>
+#include <QtCore/QThread>
 #include <QtTest/QtTest>
 
-#include <array>
 #include <atomic>
 #include <thread>
 #include <vector>
 
 using kelp::DispatcherHook;
-using kelp::test::RecordingPlatform;
 using kelp::test::ThreadQueue;
 
 namespace {
-
-const int FIRST = tarn_register_domain();
-const int SECOND = tarn_register_domain();
-
-// What was called for which event: a name and the event's code, for each call.
-using Trace = QByteArray;
-
-Trace entry(const QByteArray &name, const void *event)
-{
-    return name + QByteArray::number(tarn_event_get_code(static_cast<const tarn_event_t *>(event))) + ' ';
-}
-
-class Handler : public kelp::AbstractTarnEventHandler
-{
-public:
-    using Action = std::function<void(unsigned int code)>;
-
-    Handler(
-        const QByteArray &name, Trace &trace, Action action = [](unsigned int) {})
-        : _name(name),
-          _trace(trace),
-          _action(action)
-    {}
-
-    bool event(tarn_event_t *event) override
-    {
-        const Trace before = entry(_name, event);
-        _trace += before;
-        _action(tarn_event_get_code(event));
-        _trace += entry(_name, event) == before ? "" : "changed ";
-        return true; // which nobody minds
-    }
-
-private:
-    const QByteArray _name;
-    Trace &_trace;
-    const Action _action;
-};
 
 class NativeFilter : public QAbstractNativeEventFilter
 {
@@ -254,7 +212,9 @@ private Q_SLOTS:
             std::thread thread;
             Handler actor("actor", _trace, [&](unsigned int code) {
                 unsubscribed.unsubscribe(FIRST);
-                code > 1 ? void() : elsewhere ? void(thread = std::thread(destroy)) : destroy();
+                if (code == 1) {
+                    elsewhere ? thread = std::thread(destroy), void() : destroy();
+                }
                 while (!isDone.load(std::memory_order_relaxed)) {
                     std::this_thread::yield();
                 }
@@ -264,8 +224,11 @@ private Q_SLOTS:
             destroyed->subscribe(SECOND);
             actor.subscribe(FIRST);
 
-            QCOMPARE(deliveredFor(1), "actor1 unsubscribed1 ");
-            elsewhere ? thread.join() : void();
+            const Trace during = deliveredFor(1);
+            if (elsewhere) {
+                thread.join();
+            }
+            QCOMPARE(during, "actor1 unsubscribed1 ");
             QCOMPARE(deliveredFor(2), "actor2 ");
             QCOMPARE(deliveredFor(3, SECOND), "");
         }
@@ -291,7 +254,9 @@ private Q_SLOTS:
         Handler *self = nullptr;
         Handler leaver("leaver", _trace, [&](unsigned int code) {
             self->unsubscribe(FIRST); // the last one: its manager goes during its own dispatch
-            code == 1 ? void() : newcomer.subscribe(FIRST);
+            if (code == 3) {
+                newcomer.subscribe(FIRST);
+            }
         });
         self = &leaver;
         leaver.subscribe(FIRST);
@@ -341,7 +306,9 @@ private Q_SLOTS:
         int deepest = 0;
         Handler handler("", _trace, [&](unsigned int code) {
             deepest = std::max(deepest, ++depth);
-            code % 10 < 4 ? QCoreApplication::processEvents() : void();
+            if (code % 10 < 4) {
+                QCoreApplication::processEvents();
+            }
             --depth;
         });
         handler.subscribe(FIRST);
@@ -353,7 +320,11 @@ private Q_SLOTS:
 
     void quittingFromAHandlerLeavesTheLoopSoonAndLosesNoEvent()
     {
-        Handler handler("", _trace, [](unsigned int code) { code == 2 ? QCoreApplication::quit() : void(); });
+        Handler handler("", _trace, [](unsigned int code) {
+            if (code == 2) {
+                QCoreApplication::quit();
+            }
+        });
         handler.subscribe(FIRST);
         const Trace expected = postFifty();
 
@@ -373,8 +344,8 @@ private Q_SLOTS:
         gone.reset(); // without any application object
         restartApplication();
 
-        _queue.post(FIRST,
-                    1); // the manager has outlived its dispatcher: nobody watches the queue for the new one
+        // The manager has outlived its dispatcher: nobody watches the queue for the new one.
+        _queue.post(FIRST, 1);
         QCoreApplication::processEvents();
         QCOMPARE(_queue.pending(), std::size_t(1));
         stale.unsubscribe(FIRST);
@@ -383,187 +354,7 @@ private Q_SLOTS:
 
         QCOMPARE(deliveredFor(2), "fresh1 fresh2 ");
     }
-
-    void eventsReachTheHandlersOfTheirThreadOnly()
-    {
-        Handler handler("main", _trace);
-        handler.subscribe(FIRST);
-        for (const bool isAdopted : {false, true}) {
-            Trace trace;
-            std::promise<ThreadQueue> promise;
-            const auto serve = [&](QtThread *self) {
-                std::unique_ptr<QEventLoop> loop(self ? nullptr : new QEventLoop);
-                tarn_initialize();
-                Handler worker("worker", trace, [&](unsigned int code) {
-                    code < 3 ? void() : self ? self->quit() : loop->quit();
-                });
-                worker.subscribe(FIRST);
-                handler.unsubscribe(FIRST); // of the main thread: not from here
-                promise.set_value(ThreadQueue::ofThisThread());
-                self ? self->exec() : loop->exec();
-                tarn_shutdown();
-            };
-            std::thread adopted([&] { isAdopted ? serve(nullptr) : void(); });
-            {
-                const QtThread thread([&](QtThread &self) { isAdopted ? void() : serve(&self); });
-                const ThreadQueue queue = promise.get_future().get();
-                QVERIFY(queue.post(FIRST, 1) && queue.post(SECOND, 2) && queue.post(FIRST, 3));
-                adopted.join();
-            }
-
-            QCOMPARE(trace, "worker1 worker3 ");
-            QCOMPARE(deliveredFor(4), "main4 ");
-        }
-    }
-
-    void aThreadWithoutADispatcherReceivesOnceItHasOneAndSubscribesAnew()
-    {
-        Trace trace;
-        std::thread([&trace] {
-            tarn_initialize();
-            Handler handler("handler", trace);
-            handler.subscribe(FIRST);
-            ThreadQueue::ofThisThread().post(FIRST, 1);
-            QEventLoop loop;
-            loop.processEvents();
-            trace += "again ";
-            handler.unsubscribe(FIRST);
-            handler.subscribe(FIRST);
-            loop.processEvents();
-            tarn_shutdown();
-        }).join();
-
-        QCOMPARE(trace, "again handler1 ");
-    }
-
-    void aHandlerOutlivesItsThread()
-    {
-        Handler handler("handler", _trace);
-        {
-            const QtThread thread([&](QtThread &) { handler.subscribe(FIRST); });
-        }
-        handler.subscribe(FIRST); // on this thread too
-
-        QCOMPARE(deliveredFor(1), "handler1 ");
-    }
-
-    void handlersAndThreadsGoWhileOthersWork()
-    {
-        for (int round = 0; round < 20; ++round) {
-            std::array<std::unique_ptr<Handler>, 3> handlers;
-            std::array<std::promise<ThreadQueue>, 3> promises;
-            std::vector<std::unique_ptr<QtThread>> threads;
-            for (std::size_t i = 0; i < handlers.size(); ++i) {
-                handlers[i] = std::make_unique<Handler>("handler", _trace);
-                threads.push_back(std::make_unique<QtThread>([&, i](QtThread &self) {
-                    tarn_initialize();
-                    handlers[i]->subscribe(FIRST);
-                    promises[i].set_value(ThreadQueue::ofThisThread());
-                    self.exec();
-                    tarn_shutdown();
-                }));
-            }
-            for (std::size_t i = 0; i < handlers.size(); ++i) {
-                const ThreadQueue queue = promises[i].get_future().get();
-                for (unsigned int code = 0; code < 5; ++code) {
-                    queue.post(SECOND, code);
-                }
-                handlers[i].reset(); // the filter of a thread that is working goes
-                threads[i]->quit();
-            }
-        }
-        QCOMPARE(_trace, "");
-    }
-
-    void manyEventsFromManyThreadsArriveOnceEachInTheOrderOfTheirSender();
 };
-
-namespace {
-
-constexpr unsigned int SENDERS = 4;
-constexpr unsigned int RECEIVERS = 3;
-constexpr unsigned int EVENTS_PER_SENDER = 2500;
-
-// Receives every third event of each sender: 0, 3, 6 ... as the first receiver, 1, 4, 7 ... as the next.
-class Receiver : public kelp::AbstractTarnEventHandler
-{
-public:
-    Receiver(unsigned int first, int firstDomain, QThread &thread)
-        : _firstDomain(firstDomain),
-          _thread(thread)
-    {
-        _next.fill(first);
-        for (unsigned int sender = 0; sender < SENDERS; ++sender) {
-            subscribe(firstDomain + int(sender));
-        }
-    }
-
-    bool event(tarn_event_t *event) override
-    {
-        unsigned int &next = _next.at(std::size_t(tarn_event_get_domain(event) - _firstDomain));
-        faults += tarn_event_get_code(event) != next;
-        next += RECEIVERS;
-        if (++received % 16 == 0) {
-            Handler passing("", _trace); // comes and goes while other threads look for their handlers
-            passing.subscribe(FIRST);
-        }
-        if (std::all_of(_next.begin(), _next.end(),
-                        [](unsigned int code) { return code >= EVENTS_PER_SENDER; })) {
-            _thread.quit();
-        }
-        return false;
-    }
-
-    unsigned int received = 0;
-    unsigned int faults = 0;
-
-private:
-    const int _firstDomain;
-    QThread &_thread;
-    std::array<unsigned int, SENDERS> _next = {}; // the code expected from each
-    Trace _trace;
-};
-
-} // namespace
-
-void tst_TarnEventManager::manyEventsFromManyThreadsArriveOnceEachInTheOrderOfTheirSender()
-{
-    const int firstDomain = tarn_register_domain();
-    std::array<std::promise<ThreadQueue>, RECEIVERS> promises;
-    std::atomic<unsigned int> received{0};
-    std::atomic<unsigned int> faults{0};
-    std::vector<std::unique_ptr<QtThread>> receivers;
-    std::vector<ThreadQueue> queues;
-    for (unsigned int i = 0; i < RECEIVERS; ++i) {
-        receivers.push_back(std::make_unique<QtThread>([&, i](QtThread &self) {
-            tarn_initialize();
-            Receiver receiver(i, firstDomain, self);
-            promises[i].set_value(ThreadQueue::ofThisThread());
-            self.exec();
-            received += receiver.received;
-            faults += receiver.faults + unsigned(ThreadQueue::ofThisThread().pending());
-            tarn_shutdown();
-        }));
-        queues.push_back(promises[i].get_future().get());
-    }
-
-    std::vector<std::thread> senders;
-    for (unsigned int sender = 0; sender < SENDERS; ++sender) {
-        senders.emplace_back([&queues, domain = firstDomain + int(sender)] {
-            for (unsigned int code = 0; code < EVENTS_PER_SENDER; ++code) {
-                queues[code % RECEIVERS].post(domain, code);
-            }
-        });
-    }
-    for (std::thread &sender : senders) {
-        sender.join();
-    }
-    receivers.clear(); // waits for the threads
-
-    QCOMPARE(faults.load(), 0u);
-    QCOMPARE(received.load(), SENDERS * EVENTS_PER_SENDER);
-    RecordingPlatform::reset(); // of some ten thousand calls
-}
 
 QTEST_APPLESS_MAIN(tst_TarnEventManager)
 #include "tst_TarnEventManager.moc"

@@ -151,6 +151,7 @@ TEST(SocketAddress, reachesADirectoryOfTheLongestPathAndRefusesALonger)
 {
     std::string base = testing::TempDir() + "kelp-socket-XXXXXX";
     ASSERT_TRUE(::mkdtemp(base.data()));
+    EXPECT_EQ(MAX_DIRECTORY_BYTES, 100u);
     ASSERT_LT(base.size() + 1, MAX_DIRECTORY_BYTES);
     const std::string longest = base + '/' + std::string(MAX_DIRECTORY_BYTES - base.size() - 1, 'd');
     ASSERT_EQ(::mkdir(longest.c_str(), 0700), 0);

@@ -15,139 +15,55 @@
 namespace {
 
 struct Request {
-    const char *name;
+    const char *text;
     int (*make)();
 };
+#define REQUEST(call)                                                                                        \
+    Request({#call, []() -> int {                                                                            \
+                 return navigator_##call;                                                                    \
+             }})
 
 char *const UNTOUCHED = reinterpret_cast<char *>(1);
 char *s_text = UNTOUCHED; // what requests hand out
-
 const std::string LONGEST(NAVIGATOR_MAX_TEXT, 'x');
 const std::string TOO_LONG(NAVIGATOR_MAX_TEXT + 1, 'x');
 
 const Request REQUESTS[] = {
-    {"request_events",
-     [] {
-         return navigator_request_events(0);
-     }},
-    {"request_events extended",
-     [] {
-         return navigator_request_events(NAVIGATOR_EVENTS_EXTENDED);
-     }},
-    {"close_window",
-     [] {
-         return navigator_close_window();
-     }},
-    {"extend_terminate",
-     [] {
-         return navigator_extend_terminate();
-     }},
-    {"extend_timeout",
-     [] {
-         return navigator_extend_timeout(1000, nullptr);
-     }},
-    {"pooled_response",
-     [] {
-         return navigator_pooled_response(LONGEST.c_str());
-     }},
-    {"set_close_prompt",
-     [] {
-         return navigator_set_close_prompt("", LONGEST.c_str());
-     }},
-    {"clear_close_prompt",
-     [] {
-         return navigator_clear_close_prompt();
-     }},
-    {"raw_write",
-     [] {
-         return navigator_raw_write(LONGEST.data(), NAVIGATOR_MAX_TEXT);
-     }},
-    {"set_badge",
-     [] {
-         return navigator_set_badge(NAVIGATOR_BADGE_SPLAT);
-     }},
-    {"clear_badge",
-     [] {
-         return navigator_clear_badge();
-     }},
-    {"orientation_check_response_id",
-     [] {
-         return navigator_orientation_check_response_id("1", true);
-     }},
-    {"done_orientation_id",
-     [] {
-         return navigator_done_orientation_id("1");
-     }},
-    {"set_orientation",
-     [] {
-         return navigator_set_orientation(90, &s_text);
-     }},
-    {"rotation_lock",
-     [] {
-         return navigator_rotation_lock(true);
-     }},
-    {"request_swipe_start",
-     [] {
-         return navigator_request_swipe_start();
-     }},
-    {"stop_swipe_start",
-     [] {
-         return navigator_stop_swipe_start();
-     }},
+    REQUEST(request_events(0)),
+    REQUEST(request_events(NAVIGATOR_EVENTS_EXTENDED)),
+    REQUEST(close_window()),
+    REQUEST(extend_terminate()),
+    REQUEST(extend_timeout(1000, nullptr)),
+    REQUEST(pooled_response(LONGEST.c_str())),
+    REQUEST(set_close_prompt("", LONGEST.c_str())),
+    REQUEST(clear_close_prompt()),
+    REQUEST(raw_write(LONGEST.data(), NAVIGATOR_MAX_TEXT)),
+    REQUEST(set_badge(NAVIGATOR_BADGE_SPLAT)),
+    REQUEST(clear_badge()),
+    REQUEST(orientation_check_response_id("1", true)),
+    REQUEST(done_orientation_id("1")),
+    REQUEST(set_orientation(90, &s_text)),
+    REQUEST(rotation_lock(true)),
+    REQUEST(request_swipe_start()),
+    REQUEST(stop_swipe_start()),
 };
 
 const Request MISTAKES[] = {
-    {"request_events",
-     [] {
-         return navigator_request_events(2);
-     }},
-    {"stop_events",
-     [] {
-         return navigator_stop_events(3);
-     }},
-    {"pooled_response",
-     [] {
-         return navigator_pooled_response(nullptr);
-     }},
-    {"title",
-     [] {
-         return navigator_set_close_prompt(nullptr, "");
-     }},
-    {"message",
-     [] {
-         return navigator_set_close_prompt("", nullptr);
-     }},
-    {"raw_write",
-     [] {
-         return navigator_raw_write(nullptr, 0);
-     }},
-    {"orientation_check_response_id",
-     [] {
-         return navigator_orientation_check_response_id(nullptr, true);
-     }},
-    {"done_orientation_id",
-     [] {
-         return navigator_done_orientation_id(nullptr);
-     }},
+    REQUEST(request_events(2)),
+    REQUEST(stop_events(3)),
+    REQUEST(pooled_response(nullptr)),
+    REQUEST(set_close_prompt(nullptr, "")),
+    REQUEST(set_close_prompt("", nullptr)),
+    REQUEST(raw_write(nullptr, 0)),
+    REQUEST(orientation_check_response_id(nullptr, true)),
+    REQUEST(done_orientation_id(nullptr)),
 };
 
 const Request TOO_LONG_TEXTS[] = {
-    {"pooled_response",
-     [] {
-         return navigator_pooled_response(TOO_LONG.c_str());
-     }},
-    {"title",
-     [] {
-         return navigator_set_close_prompt(TOO_LONG.c_str(), "");
-     }},
-    {"message",
-     [] {
-         return navigator_set_close_prompt("", TOO_LONG.c_str());
-     }},
-    {"raw_write",
-     [] {
-         return navigator_raw_write(TOO_LONG.data(), NAVIGATOR_MAX_TEXT + 1);
-     }},
+    REQUEST(pooled_response(TOO_LONG.c_str())),
+    REQUEST(set_close_prompt(TOO_LONG.c_str(), "")),
+    REQUEST(set_close_prompt("", TOO_LONG.c_str())),
+    REQUEST(raw_write(TOO_LONG.data(), NAVIGATOR_MAX_TEXT + 1)),
 };
 
 template <std::size_t Count>
@@ -155,8 +71,8 @@ void expectFailure(const Request (&requests)[Count], int error)
 {
     for (const Request &request : requests) {
         errno = 0;
-        EXPECT_EQ(request.make(), TARN_FAILURE) << request.name;
-        EXPECT_EQ(errno, error) << request.name;
+        EXPECT_EQ(request.make(), TARN_FAILURE) << request.text;
+        EXPECT_EQ(errno, error) << request.text;
     }
 }
 

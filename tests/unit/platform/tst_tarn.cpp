@@ -51,6 +51,8 @@ TEST(tarn, theDescriptorStaysTheSameAndTellsOfPendingEvents)
         tarn_shutdown();
         tarn_shutdown(); // one too many
         EXPECT_EQ(pushTo(queue, 3), ESRCH);
+        tarn_event_t *event = nullptr;
+        EXPECT_EQ(tarn_next_event(&event, -1), TARN_FAILURE); // at once
         EXPECT_EQ(tarn_queue_descriptor(), descriptor);
         ASSERT_EQ(tarn_initialize(), TARN_SUCCESS);
         EXPECT_EQ(tarn_queue_descriptor(), descriptor);

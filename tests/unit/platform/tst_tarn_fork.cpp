@@ -78,7 +78,7 @@ TEST_F(Fork, theChildStartsEmptyAndTheParentKeepsItsEvents)
     EXPECT_EQ(nextCode(), 0u);
 }
 
-TEST_F(Fork, DISABLED_aChildOfAChildStartsEmptyToo)
+TEST_F(Fork, aChildOfAChildStartsEmptyToo)
 {
     ASSERT_EQ(pushTo(queue, 1), 0);
 

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: Apache-2.0
+// What was measured side by side, as rows of a table in docs/performance.md. Every benchmark prints its
+// results so.
+#pragma once
+
+#include <deque>
+#include <string>
+#include <vector>
+
+namespace kelp::bench {
+
+class Samples
+{
+public:
+    void add(double value) { _values.push_back(value); }
+    double percentile(double percent) const; // there is at least one value
+
+private:
+    std::vector<double> _values;
+};
+
+// The most that a median may be; 0: as much as it likes.
+struct Target {
+    double ratio = 0; // to the peer's median
+    double value = 0;
+};
+
+class Comparison
+{
+public:
+    Comparison(std::string title, std::string unit) : _title(std::move(title)), _unit(std::move(unit)) {}
+
+    // Something measured; the samples are to be filled before print().
+    Samples &add(const std::string &name, Target target = {});
+
+    // What the others are compared to.
+    Samples &addPeer(const std::string &name);
+
+    void print() const;
+
+private:
+    struct Row {
+        std::string name;
+        Target target;
+        Samples samples;
+    };
+
+    std::string _title;
+    std::string _unit;
+    std::deque<Row> _rows; // which stay where they are while it grows
+    const Row *_peer = nullptr;
+};
+
+} // namespace kelp::bench
