@@ -66,6 +66,7 @@ private Q_SLOTS:
     void closePromptIsConfirmedAndEndsTheLoop();
     void manualExitGetsMoreTime();
     void eachThreadHasItsOwnEvents();
+    void eventsThatHaveArrivedOutliveTheirRequest();
     void deviceDiesAndComesBack();
     void forkedChildHarmsNobody();
 };
@@ -145,6 +146,19 @@ void tst_ApplicationOnDevice::eachThreadHasItsOwnEvents()
     thread->quit();
     QVERIFY(thread->wait(20'000));
     QCOMPARE(fullScreen.load(), 1);
+}
+
+void tst_ApplicationOnDevice::eventsThatHaveArrivedOutliveTheirRequest()
+{
+    Launched on;
+    QSignalSpy thumbnail(&on.application, &Application::thumbnail);
+    QCOMPARE(on.device.tell(words("event thumbnail")), 0);
+
+    QCOMPARE(navigator_stop_events(0), TARN_SUCCESS);
+
+    QTRY_COMPARE_WITH_TIMEOUT(thumbnail.count(), 1, 20'000);
+    QCOMPARE(on.device.tell(words("event full-screen")), 0);
+    QVERIFY(!descriptorIsReadable());
 }
 
 void tst_ApplicationOnDevice::deviceDiesAndComesBack()

@@ -11,6 +11,8 @@
 #include <fcntl.h>
 #include <sys/socket.h>
 
+#include <poll.h>
+
 namespace kelp::test {
 
 class DoorChannels : public DoorTest
@@ -28,6 +30,13 @@ protected:
         }
         ADD_FAILURE() << "the backlog has no bound";
         return 0;
+    }
+
+    // Whether the device has let its end go, whatever is still to be read.
+    static bool isClosed(int channel)
+    {
+        pollfd socket{channel, 0, 0};
+        return ::poll(&socket, 1, 0) > 0 && (socket.revents & POLLHUP);
     }
 
     static link::Reply lowMemory(DoorClient &person, const std::string &application)
@@ -106,6 +115,24 @@ TEST_F(DoorChannels, UnreadEventsAreRefusedPastTheBacklogAndNoneIsLost)
     }
     EXPECT_EQ(lowMemory(person, deafId).status, 0); // there is room again
     awaitEvent(unread.get(), NAVIGATOR_LOW_MEMORY);
+}
+
+TEST_F(DoorChannels, AThreadThatDoesNotReadKeepsNothingFromTheOthers)
+{
+    device::DoorLimits limits;
+    limits.eventBacklog = 4;
+    startDevice(limits);
+    DoorClient client = application();
+    const link::UniqueFd read = client.openEvents();
+    const link::UniqueFd unread = client.openEvents();
+    DoorClient person = control();
+
+    while (!isClosed(unread.get())) {
+        ASSERT_EQ(person.command("event", {{"name", "low-memory"}, {"severity", "1"}}).status, 0);
+        awaitEvent(read.get(), NAVIGATOR_LOW_MEMORY);
+    }
+
+    EXPECT_TRUE(traces("event channel closed: it does not read its events"));
 }
 
 TEST_F(DoorChannels, EachOfTwoApplicationsGetsItsOwnEventsAndAnswers)

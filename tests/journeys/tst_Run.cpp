@@ -77,6 +77,15 @@ TEST_F(Run, GivesTheApplicationItsInputItsOutputAndTheDevice)
     EXPECT_NE(result.errors.find("device started in"), std::string::npos); // the trace
 }
 
+TEST_F(Run, HearsOfTheEndAlsoWhereItsStarterHadSignalsBlocked)
+{
+    std::vector<std::string> command = {"env", "--block-signal=CHLD", "--block-signal=TERM"};
+    const std::vector<std::string> run = runOf(shell("exit 7"));
+    command.insert(command.end(), run.begin(), run.end());
+
+    EXPECT_EQ(Command::run(command).exitCode, 7);
+}
+
 TEST_F(Run, RefusesWrongUsage)
 {
     const std::vector<std::vector<std::string>> rows = {
