@@ -44,7 +44,7 @@ expect 'awake'
 
 person event thumbnail
 expect 'process state: Background'
-person event full-screen
+person event fullscreen
 expect 'awake'
 expect 'awake'
 person event invisible

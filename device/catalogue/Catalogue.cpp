@@ -25,7 +25,7 @@ constexpr std::array LOW_MEMORY_ARGUMENTS = {
     ArgumentSpec{"severity", "SEVERITY", "0 (enough again), 1 (low) or 2 (critical)", true}, EVERY_APP};
 
 constexpr std::array EVENTS = {
-    EventSpec{EventKind::FullScreen, "full-screen",
+    EventSpec{EventKind::FullScreen, "fullscreen",
               "Bring a window group to the front, full screen and active", WINDOW_ARGUMENTS},
     EventSpec{EventKind::Thumbnail, "thumbnail", "Turn a window group into a thumbnail", WINDOW_ARGUMENTS},
     EventSpec{EventKind::Invisible, "invisible", "Hide a window group", WINDOW_ARGUMENTS},

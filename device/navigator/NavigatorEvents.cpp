@@ -3,37 +3,11 @@
 // trace.
 #include "NavigatorEvents.h"
 
+#include "StateNames.h"
+
 #include <navigator/navigator.h>
 
 namespace kelp::device {
-
-namespace {
-
-std::string appStateName(int appState)
-{
-    switch (appState) {
-    case NAVIGATOR_APP_FOREGROUND:
-        return "foreground";
-    case NAVIGATOR_APP_BACKGROUND:
-        return "background";
-    default:
-        return "stopping";
-    }
-}
-
-std::string windowStateName(int windowState)
-{
-    switch (windowState) {
-    case NAVIGATOR_WINDOW_FULLSCREEN:
-        return "full-screen";
-    case NAVIGATOR_WINDOW_THUMBNAIL:
-        return "thumbnail";
-    default:
-        return "invisible";
-    }
-}
-
-} // namespace
 
 link::Event appStateEvent(int appState)
 {
@@ -95,9 +69,9 @@ std::string describe(const link::Event &event)
 {
     switch (event.code) {
     case NAVIGATOR_APP_STATE:
-        return "app-state " + appStateName(event.appState);
+        return std::string("app-state ") + appStateName(event.appState);
     case NAVIGATOR_WINDOW_STATE:
-        return "window-state " + windowStateName(event.windowState) + ' ' + event.groupId;
+        return std::string("window-state ") + windowStateName(event.windowState) + ' ' + event.groupId;
     case NAVIGATOR_WINDOW_ACTIVE:
         return "window-active " + event.groupId;
     case NAVIGATOR_WINDOW_INACTIVE:

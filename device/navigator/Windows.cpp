@@ -78,7 +78,7 @@ Outcome Windows::setActive(Application &application, const WindowGroup &group, b
     }
     if (!group.isFullScreen()) {
         return {EPERM,
-                group.id + " is not full screen and has no focus: bring it to the front with full-screen"};
+                group.id + " is not full screen and has no focus: bring it to the front with fullscreen"};
     }
     return move(_policy.setActive(application, group, active),
                 group.id + " is " + (active ? "active" : "inactive") + " already");

@@ -3,6 +3,8 @@
 
 #include "StateReport.h"
 
+#include "device/navigator/StateNames.h"
+
 #include <navigator/navigator.h>
 
 #include <nlohmann/json.hpp>
@@ -16,30 +18,6 @@ using Json = nlohmann::ordered_json; // members in the order in which they are d
 std::int64_t milliseconds(Duration duration)
 {
     return std::chrono::duration_cast<std::chrono::milliseconds>(duration).count();
-}
-
-const char *windowStateName(int state)
-{
-    switch (state) {
-    case NAVIGATOR_WINDOW_FULLSCREEN:
-        return "fullscreen";
-    case NAVIGATOR_WINDOW_THUMBNAIL:
-        return "thumbnail";
-    default:
-        return "invisible";
-    }
-}
-
-const char *processStateName(int state)
-{
-    switch (state) {
-    case NAVIGATOR_APP_FOREGROUND:
-        return "foreground";
-    case NAVIGATOR_APP_BACKGROUND:
-        return "background";
-    default:
-        return "stopping";
-    }
 }
 
 Json windowGroups(const ApplicationState &application)
@@ -80,7 +58,7 @@ Json applicationJson(const ApplicationState &application)
     return {{"type", "application"},
             {"id", application.id},
             {"pid", application.pid},
-            {"processState", processStateName(application.appState)},
+            {"processState", appStateName(application.appState)},
             {"windowGroups", windowGroups(application)},
             {"closePrompt", closePrompt(application)},
             {"windowCreationTimeoutMs", windowCreation ? Json(windowCreation) : Json(nullptr)},

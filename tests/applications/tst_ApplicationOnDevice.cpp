@@ -157,7 +157,7 @@ void tst_ApplicationOnDevice::eventsThatHaveArrivedOutliveTheirRequest()
     QCOMPARE(navigator_stop_events(0), TARN_SUCCESS);
 
     QTRY_COMPARE_WITH_TIMEOUT(thumbnail.count(), 1, 20'000);
-    QCOMPARE(on.device.tell(words("event full-screen")), 0);
+    QCOMPARE(on.device.tell(words("event fullscreen")), 0);
     QVERIFY(!descriptorIsReadable());
 }
 
@@ -198,7 +198,7 @@ void tst_ApplicationOnDevice::forkedChildHarmsNobody()
     QCOMPARE(exitCodeOf(child), 0);
     QTRY_COMPARE_WITH_TIMEOUT(thumbnail.count(), 1, 20'000);
     QVERIFY(on.application.clearClosePrompt());
-    QCOMPARE(on.device.tell(words("event full-screen --app tst_ApplicationOnDevice")), 0);
+    QCOMPARE(on.device.tell(words("event fullscreen --app tst_ApplicationOnDevice")), 0);
     QTRY_VERIFY_WITH_TIMEOUT(on.application.isFullscreen(), 20'000);
     QCOMPARE(thumbnail.count(), 1);
 }

@@ -15,7 +15,7 @@ TEST(Catalogue, namesLeadToTheirOwnRows)
         EXPECT_EQ(findRequest(spec.name), &spec) << spec.name;
     }
     EXPECT_EQ(findEvent("close-window"), nullptr);
-    EXPECT_EQ(findRequest("full-screen"), nullptr);
+    EXPECT_EQ(findRequest("fullscreen"), nullptr);
     EXPECT_EQ(findEvent(""), nullptr);
 }
 

@@ -19,7 +19,7 @@ TEST_F(NavigatorCommands, refusalsNameTheArgumentAndWhatIsAllowed)
 {
     launch("a");
     const Refusal refusals[] = {
-        {"fullscreen", {}, EINVAL, "\"fullscreen\": choose one of full-screen, thumbnail"},
+        {"fullscren", {}, EINVAL, "\"fullscren\": choose one of fullscreen, thumbnail"},
         {"", {}, EINVAL, "no event \"\""},
         {"thumbnail", {{"severity", "1"}}, EINVAL, "no argument \"severity\": it takes app, group"},
         {"thumbnail", {{"app", "a"}, {"app", "a"}}, EINVAL, "argument app more than once"},

@@ -86,7 +86,7 @@ TEST_F(NavigatorExit, stoppingApplicationRefusesAllButLowMemory)
     sent();
 
     const std::pair<std::string, Arguments> refused[] = {
-        {"full-screen", {}},
+        {"fullscreen", {}},
         {"thumbnail", {}},
         {"invisible", {}},
         {"activate", {{"group", "a/2"}}},

@@ -71,17 +71,17 @@ TEST_F(NavigatorWindows, movesOfOneGroupTellWhatChangesAndNothingElse)
 {
     launch("a");
     const Move moves[] = {
-        {"full-screen", {}, 0, {}},
+        {"fullscreen", {}, 0, {}},
         {"activate", {}, 0, {}},
         {"deactivate", {}, 0, {"1: inactive a/1"}},
         {"deactivate", {}, 0, {}},
-        {"full-screen", {}, 0, {"1: active a/1"}},
+        {"fullscreen", {}, 0, {"1: active a/1"}},
         {"thumbnail", {}, 0, {"1: inactive a/1", "1: window 1 a/1", "1: app 1"}},
         {"thumbnail", {}, 0, {}},
         {"activate", {}, EPERM, {}},
         {"deactivate", {}, EPERM, {}},
         {"invisible", {}, 0, {"1: window 2 a/1"}},
-        {"full-screen", {}, 0, {"1: app 0", "1: window 0 a/1", "1: active a/1"}},
+        {"fullscreen", {}, 0, {"1: app 0", "1: window 0 a/1", "1: active a/1"}},
         {"deactivate", {}, 0, {"1: inactive a/1"}},
         {"invisible", {}, 0, {"1: window 2 a/1", "1: app 1"}},
         {"close-group", {{"group", "a/1"}}, EPERM, {}},
@@ -100,7 +100,7 @@ TEST_F(NavigatorWindows, groupsOfOneApplicationTakeTurnsWhileItStaysInTheForegro
     launch("a");
     const Move moves[] = {
         {"open-group", {}, 0, {"1: inactive a/1", "1: window 2 a/1", "1: window 0 a/2", "1: active a/2"}},
-        {"full-screen", {}, 0, {"1: inactive a/2", "1: window 2 a/2", "1: window 0 a/1", "1: active a/1"}},
+        {"fullscreen", {}, 0, {"1: inactive a/2", "1: window 2 a/2", "1: window 0 a/1", "1: active a/1"}},
         {"thumbnail", {{"group", "a/2"}}, 0, {"1: window 1 a/2"}}, // the main group is in front
         {"close-group", {{"group", "a/2"}}, 0, {"1: window 2 a/2"}},
         {"open-group", {}, 0, {"1: inactive a/1", "1: window 2 a/1", "1: window 0 a/3", "1: active a/3"}},
@@ -149,7 +149,7 @@ TEST_F(NavigatorWindows, eventWithoutRoomForAllOfItChangesNothing)
     launch("b");
     port.rooms = {{1, 2}, {2, 100}}; // a needs three to come to the front
     const Move moves[] = {
-        {"full-screen", {{"app", "a"}}, EAGAIN, {}},
+        {"fullscreen", {{"app", "a"}}, EAGAIN, {}},
         {"open-group", {{"app", "a"}}, EAGAIN, {}},
         {"low-memory", {{"severity", "1"}}, 0, {"1: memory 1", "2: memory 1"}},
         {"low-memory", {{"severity", "1"}}, 0, {"1: memory 1", "2: memory 1"}},

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: Apache-2.0
+// See StateNames.h.
+
+#include "StateNames.h"
+
+#include <navigator/navigator.h>
+
+namespace kelp::device {
+
+const char *appStateName(int appState)
+{
+    switch (appState) {
+    case NAVIGATOR_APP_FOREGROUND:
+        return "foreground";
+    case NAVIGATOR_APP_BACKGROUND:
+        return "background";
+    default:
+        return "stopping";
+    }
+}
+
+const char *windowStateName(int windowState)
+{
+    switch (windowState) {
+    case NAVIGATOR_WINDOW_FULLSCREEN:
+        return "fullscreen";
+    case NAVIGATOR_WINDOW_THUMBNAIL:
+        return "thumbnail";
+    default:
+        return "invisible";
+    }
+}
+
+} // namespace kelp::device
