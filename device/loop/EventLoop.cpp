@@ -1,153 +1,194 @@
 // SPDX-License-Identifier: Apache-2.0
-// The event loop on Boost.Asio, which appears nowhere else.
+// See EventLoop.h. What the loop turns over: the events of one wait, then what was posted, then the next wait.
 
 #include "EventLoop.h"
 
-#include <boost/asio/executor_work_guard.hpp>
-#include <boost/asio/io_context.hpp>
-#include <boost/asio/posix/stream_descriptor.hpp>
-#include <boost/asio/post.hpp>
-#include <boost/asio/signal_set.hpp>
+#include "EpollSet.h"
+#include "Registration.h"
+#include "SignalPipe.h"
+#include "platform/link/UniqueFd.h"
 
-#include <array>
-#include <csignal>
+#include <atomic>
+#include <cerrno>
+#include <deque>
+#include <iterator>
+#include <mutex>
 #include <system_error>
 #include <utility>
 
-namespace kelp::device {
+#include <fcntl.h>
+#include <sys/eventfd.h>
 
-namespace asio = boost::asio;
-using ErrorCode = boost::system::error_code;
+namespace kelp::device {
 
 namespace {
 
-[[noreturn]] void fail(const ErrorCode &error, const char *what)
+[[noreturn]] void fail(const char *what)
 {
-    throw std::system_error(error.value(), std::system_category(), what);
+    throw std::system_error(errno, std::system_category(), what);
+}
+
+void makeNonBlocking(int descriptor)
+{
+    const int flags = ::fcntl(descriptor, F_GETFL);
+    if (flags < 0 || (!(flags & O_NONBLOCK) && ::fcntl(descriptor, F_SETFL, flags | O_NONBLOCK) != 0)) {
+        fail("cannot watch a descriptor");
+    }
 }
 
 } // namespace
 
-// Shared by the Watch and the waits that it has under way, so that it outlives the callback that ends the Watch.
-class EventLoop::Watch::State : public std::enable_shared_from_this<State>
+class EventLoop::Private
 {
 public:
-    using Wait = asio::posix::stream_descriptor::wait_type;
+    Private();
 
-    explicit State(asio::io_context &context) : _descriptor(context) {}
+    void run();
+    void post(Callback callback);
+    void stop();
+    void takeSignals(const std::vector<int> &signals, std::function<void(int)> callback);
 
-    void begin(int descriptor)
-    {
-        ErrorCode error;
-        _descriptor.assign(descriptor, error);
-        if (error) {
-            fail(error, "cannot watch a descriptor");
-        }
-    }
+    Watch watch(int descriptor);
 
-    void end()
-    {
-        _callbacks = {};
-        if (_descriptor.is_open()) {
-            _descriptor.release(); // cancels the waits; the descriptor stays its owner's
-        }
-    }
-
-    void set(Wait wait, Callback callback)
-    {
-        _callbacks[wait] = std::move(callback);
-        arm(wait);
-    }
+    std::function<Delay()> beforeWait = [] {
+        return Delay();
+    };
 
 private:
-    void arm(Wait wait)
-    {
-        if (!_callbacks[wait] || _isArmed[wait]) {
-            return;
-        }
-        _isArmed[wait] = true;
-        _descriptor.async_wait(wait, [self = shared_from_this(), wait](const ErrorCode &error) {
-            self->_isArmed[wait] = false;
-            self->call(wait, error);
-        });
-    }
+    void callPosted();
+    void takePosted();
+    void ring();
 
-    void call(Wait wait, const ErrorCode &error)
-    {
-        if (error == asio::error::operation_aborted || !_callbacks[wait]) {
-            return;
-        }
-        const Callback callback = _callbacks[wait]; // a copy: the callback may replace itself
-        callback();
-        arm(wait);
-    }
+    EpollSet _set;
+    link::UniqueFd _bell; // rings for what other threads have done
+    std::deque<Callback> _due;
 
-    asio::posix::stream_descriptor _descriptor;
-    std::array<Callback, 2> _callbacks; // by Wait: readable, writable
-    std::array<bool, 2> _isArmed{};
+    std::atomic<bool> _isStopped = false;
+    std::mutex _mutex; // guards _posted
+    std::deque<Callback> _posted;
+
+    std::unique_ptr<SignalPipe> _signals;
+    Watch _signalWatch;
+    Watch _bellWatch; // of _bell
 };
 
-EventLoop::Watch::Watch(std::shared_ptr<State> state) : _state(std::move(state)) {}
+EventLoop::Watch::Watch() = default;
+EventLoop::Watch::Watch(Watch &&other) noexcept = default;
+EventLoop::Watch::Watch(std::unique_ptr<Registration> registration) : _registration(std::move(registration))
+{}
+EventLoop::Watch::~Watch() = default;
 
 EventLoop::Watch &EventLoop::Watch::operator=(Watch &&other) noexcept
 {
-    end();
-    _state = std::move(other._state);
+    const auto former = std::exchange(_registration, std::move(other._registration));
     return *this;
-}
-
-EventLoop::Watch::~Watch()
-{
-    end();
 }
 
 void EventLoop::Watch::onReadable(Callback callback)
 {
-    _state->set(State::Wait::wait_read, std::move(callback));
+    _registration->set(Registration::READABLE, std::move(callback));
 }
 
 void EventLoop::Watch::onWritable(Callback callback)
 {
-    _state->set(State::Wait::wait_write, std::move(callback));
+    _registration->set(Registration::WRITABLE, std::move(callback));
+}
+
+void EventLoop::Watch::onDoorbell(Callback callback)
+{
+    _registration->set(Registration::DOORBELL, std::move(callback));
+}
+
+void EventLoop::Watch::onHangUp(Callback callback)
+{
+    _registration->set(Registration::HANG_UP, std::move(callback));
 }
 
 void EventLoop::Watch::end()
 {
-    if (const auto state = std::exchange(_state, nullptr)) {
-        state->end();
+    // Out of its place first: what its callbacks own may come here again as it goes.
+    const auto former = std::exchange(_registration, nullptr);
+}
+
+EventLoop::Private::Private() : _bell(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+{
+    if (!_bell) {
+        fail("cannot make an event loop");
+    }
+    _bellWatch = watch(_bell.get());
+    _bellWatch.onDoorbell([this] { takePosted(); });
+}
+
+EventLoop::Watch EventLoop::Private::watch(int descriptor)
+{
+    makeNonBlocking(descriptor);
+    return Watch(std::make_unique<Registration>(_set, descriptor));
+}
+
+void EventLoop::Private::run()
+{
+    for (;;) {
+        while (!_isStopped && _set.callNext()) {
+        }
+        callPosted();
+        if (_isStopped) {
+            return;
+        }
+        const Delay longest = beforeWait();
+        if (_isStopped) {
+            return;
+        }
+        _set.wait(longest);
     }
 }
 
-class EventLoop::Private
+void EventLoop::Private::callPosted()
 {
-public:
-    void awaitSignal()
-    {
-        signals.async_wait([this](const ErrorCode &error, int signal) {
-            if (!error) {
-                onSignal(signal);
-                awaitSignal();
-            }
-        });
+    while (!_due.empty() && !_isStopped) {
+        const Callback callback = std::move(_due.front());
+        _due.pop_front();
+        callback();
     }
+}
 
-    void runOnce(const Delay &longest)
-    {
-        if (longest) {
-            (void)context.run_one_for(*longest); // whether something was run does not matter
-        } else {
-            (void)context.run_one();
+void EventLoop::Private::post(Callback callback)
+{
+    const std::lock_guard lock(_mutex);
+    _posted.push_back(std::move(callback));
+    if (_posted.size() == 1) {
+        ring();
+    }
+}
+
+void EventLoop::Private::takePosted()
+{
+    const std::lock_guard lock(_mutex);
+    std::move(_posted.begin(), _posted.end(), std::back_inserter(_due));
+    _posted.clear();
+}
+
+void EventLoop::Private::stop()
+{
+    _isStopped = true;
+    ring();
+}
+
+void EventLoop::Private::ring()
+{
+    (void)::eventfd_write(_bell.get(), 1); // fails only where it has rung 2^64 times
+}
+
+void EventLoop::Private::takeSignals(const std::vector<int> &signals, std::function<void(int)> callback)
+{
+    _signals = std::make_unique<SignalPipe>(signals);
+    _signalWatch = watch(_signals->descriptor());
+    // One at a time: stop() and exceptions leave the others where they are.
+    _signalWatch.onReadable([this, callback = std::move(callback)] {
+        if (const int number = _signals->next()) {
+            callback(number);
         }
-    }
-
-    asio::io_context context{1};
-    asio::executor_work_guard<asio::io_context::executor_type> work{context.get_executor()};
-    asio::signal_set signals{context};
-    std::function<void(int)> onSignal;
-    std::function<Delay()> beforeWait = [] {
-        return Delay();
-    };
-};
+    });
+}
 
 EventLoop::EventLoop() : d(std::make_unique<Private>()) {}
 
@@ -155,29 +196,12 @@ EventLoop::~EventLoop() = default;
 
 EventLoop::Watch EventLoop::watch(int descriptor)
 {
-    auto state = std::make_shared<Watch::State>(d->context);
-    state->begin(descriptor);
-    return Watch(std::move(state));
+    return d->watch(descriptor);
 }
 
 void EventLoop::onSignals(const std::vector<int> &signals, std::function<void(int)> callback)
 {
-    d->onSignal = std::move(callback);
-    sigset_t taken;
-    ::sigemptyset(&taken);
-    for (const int signal : signals) {
-        ErrorCode error;
-        d->signals.add(signal, error);
-        if (error) {
-            fail(error, "cannot take a signal");
-        }
-        ::sigaddset(&taken, signal);
-    }
-    // Whoever started this process may have blocked them for good.
-    if (const int error = ::pthread_sigmask(SIG_UNBLOCK, &taken, nullptr)) {
-        throw std::system_error(error, std::system_category(), "cannot unblock signals");
-    }
-    d->awaitSignal();
+    d->takeSignals(signals, std::move(callback));
 }
 
 void EventLoop::setBeforeWait(std::function<Delay()> beforeWait)
@@ -187,19 +211,17 @@ void EventLoop::setBeforeWait(std::function<Delay()> beforeWait)
 
 void EventLoop::post(Callback callback)
 {
-    asio::post(d->context, std::move(callback));
+    d->post(std::move(callback));
 }
 
 void EventLoop::run()
 {
-    while (!d->context.stopped()) {
-        d->runOnce(d->beforeWait());
-    }
+    d->run();
 }
 
 void EventLoop::stop()
 {
-    d->context.stop();
+    d->stop();
 }
 
 } // namespace kelp::device
