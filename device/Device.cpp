@@ -5,13 +5,16 @@
 
 #include "Shutdown.h"
 #include "device/doors/ControlCommands.h"
+#include "device/doors/ObjectDoor.h"
 #include "device/doors/SocketDoor.h"
 #include "device/loop/EventLoop.h"
+#include "device/report/ObjectReport.h"
 #include "device/report/StateReport.h"
 
 #include <algorithm>
 #include <csignal>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include <unistd.h>
@@ -34,6 +37,32 @@ std::vector<int> signalsToTake()
     return signals;
 }
 
+// A signal blocked on this thread for as long as it lives.
+class BlockedSignal
+{
+public:
+    explicit BlockedSignal(int number)
+    {
+        ::sigemptyset(&_blocked);
+        ::sigaddset(&_blocked, number);
+        ::pthread_sigmask(SIG_BLOCK, &_blocked, &_before);
+    }
+    ~BlockedSignal()
+    {
+        const timespec none{};
+        while (::sigtimedwait(&_blocked, nullptr, &none) > 0) {
+            // it would strike once it is no longer blocked
+        }
+        ::pthread_sigmask(SIG_SETMASK, &_before, nullptr);
+    }
+    BlockedSignal(const BlockedSignal &) = delete;
+    BlockedSignal &operator=(const BlockedSignal &) = delete;
+
+private:
+    sigset_t _blocked;
+    sigset_t _before;
+};
+
 } // namespace
 
 class Device::Private final : private NavigatorPort
@@ -43,6 +72,7 @@ public:
     ~Private() override;
 
     DeviceState state() const;
+    Outcome listObjects(const std::string &path) const;
     EventLoop::Delay beforeWait();
     void handleSignal(int number);
 
@@ -53,13 +83,18 @@ public:
     EventLoop loop;
     Navigator navigator;
     std::optional<DeviceDirectory> directory;
+    Store store;
+    StateObjects stateObjects{store};
+    bool stateHasChanged = false; // since it was last published
     ControlCommands commands;
+    ObjectDoor objects;
     SocketDoor door;
     Shutdown shutdown;
     int exitCode = 0;
 
     void trace(const TraceEntry &entry) override
     {
+        stateHasChanged = true; // whatever the navigator decides, it says so
         if (options.trace) {
             options.trace(entry);
         }
@@ -77,18 +112,25 @@ Device::Private::Private(DeviceDirectory claimed, DeviceOptions given)
       children(options.ownsProcess ? std::make_unique<ChildProcesses>() : nullptr),
       navigator(clock, options.settings, *this),
       directory(std::move(claimed)),
+      store(options.storeLimits),
       commands(navigator, {[this] { return deviceReport(state()); },
                            [this] { return stateReport(state(), navigator.applications()); },
-                           [this] {
-                               shutdown.request();
+                           [this] { shutdown.request(); },
+                           [this](const std::string &path) {
+                               return listObjects(path);
                            }}),
-      door(loop, navigator, directory->path(), options.limits,
+      objects(loop, store, options.limits,
+              [this](pid_t pid, const std::string &text) {
+                  trace({clock.now(), pid, {}, text});
+              }),
+      door(loop, navigator, objects, directory->path(), options.limits,
            {[this](const link::Command &command) { return commands.run(command); },
             [this](pid_t pid, const std::string &text) {
                 trace({clock.now(), pid, {}, text});
             }}),
       shutdown(clock, navigator, door, children.get(), options.settings, [this] { loop.stop(); })
 {
+    stateObjects.publish(options.properties);
     loop.setBeforeWait([this] { return beforeWait(); });
     if (options.ownsProcess) {
         loop.onSignals(signalsToTake(), [this](int number) { handleSignal(number); });
@@ -108,11 +150,25 @@ DeviceState Device::Private::state() const
     return {::getpid(), directory->path(), clock, navigator.applications().size()};
 }
 
+Outcome Device::Private::listObjects(const std::string &path) const
+{
+    std::vector<Store::Entry> entries;
+    if (const int error = store.list(path, entries)) {
+        return {error,
+                "/pps" + path + " is no directory of objects: kelp-device pps ls / shows those at the top"};
+    }
+    return {0, objectReport(entries)};
+}
+
 EventLoop::Delay Device::Private::beforeWait()
 {
     navigator.expireDeadlines();
     door.sweep();
     shutdown.step();
+    if (std::exchange(stateHasChanged, false)) {
+        stateObjects.publish(navigator.applications());
+    }
+    objects.flush();
     const std::optional<Time> mine = shutdown.nextDeadline();
     const std::optional<Time> navigators = navigator.nextDeadline();
     if (mine && navigators) {
@@ -169,6 +225,7 @@ void Device::launch(Launch launch)
 
 int Device::run()
 {
+    const BlockedSignal pipe(SIGPIPE); // a client may close what is written to
     d->loop.run();
     return d->exitCode;
 }

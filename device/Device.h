@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The device as an object: clock, navigator, loop, door and children, wired together and nothing else. The kelp-device
+// The device as an object: clock, navigator, store, loop, doors and children, wired together and nothing else. The kelp-device
 // executable owns one, and so does a test that wants a device within its own process:
 //
 //     Device device(DeviceDirectory::temporaryIn("/tmp"), {});
@@ -16,6 +16,8 @@
 #include "device/doors/DoorLimits.h"
 #include "device/navigator/Navigator.h"
 #include "device/process/ChildProcesses.h"
+#include "device/report/StateObjects.h"
+#include "device/store/Store.h"
 
 #include <functional>
 #include <memory>
@@ -28,6 +30,8 @@ class EventLoop;
 struct DeviceOptions {
     Settings settings;
     DoorLimits limits;
+    StoreLimits storeLimits;
+    DeviceProperties properties;
     std::function<void(const TraceEntry &)> trace; // empty: no trace
     // The whole process is the device's: it takes SIGINT, SIGTERM and SIGHUP (those not ignored) as a wish to stop,
     // may launch applications and buries every child of the process.
@@ -51,7 +55,7 @@ public:
     // Starts an application on the device, which ends with it. Needs ownsProcess. Throws LaunchError.
     void launch(Launch launch);
 
-    // Runs until the device has shut down. Returns the exit code of the launched application; 0 without one.
+    // Runs until the device has shut down, with SIGPIPE blocked on this thread. Returns the exit code of the launched application; 0 without one.
     int run();
 
     // Shuts down: asks the applications to exit, waits for their grace, then ends what is left. Asked once more, it

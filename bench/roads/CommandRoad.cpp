@@ -39,7 +39,7 @@ public:
     {
         char buffer[4096];
         std::size_t length = 0;
-        link::UniqueFd passed;
+        link::Passed passed;
         const int error = link::receiveMessage(_connection.get(), buffer, sizeof buffer, length, passed);
         const auto message = error ? std::nullopt : link::decode({buffer, length});
         const auto *reply = message ? std::get_if<link::Reply>(&message->body) : nullptr;

@@ -7,9 +7,8 @@
 #include "platform/link/Socket.h"
 
 #include <cerrno>
+#include <utility>
 #include <variant>
-
-#include <sys/socket.h>
 
 namespace kelp::device {
 
@@ -18,6 +17,7 @@ using link::Role;
 namespace {
 
 constexpr int MOST_AT_ONCE = 16; // messages; then other connections get their turn
+constexpr char NOT_ITS_MESSAGE[] = "its message is not one that it may send";
 
 } // namespace
 
@@ -32,14 +32,15 @@ Connection::Connection(EventLoop &loop, link::UniqueFd socket, std::size_t reply
     _watch.onReadable([this] { onReadable(); });
 }
 
-pid_t Connection::pid() const
+ucred Connection::peer() const
 {
-    ucred peer{};
+    ucred peer{0, static_cast<uid_t>(-1), static_cast<gid_t>(-1)};
     socklen_t size = sizeof peer;
-    return ::getsockopt(_socket.get(), SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 ? peer.pid : 0;
+    (void)::getsockopt(_socket.get(), SOL_SOCKET, SO_PEERCRED, &peer, &size); // where it fails: as begun
+    return peer;
 }
 
-void Connection::reply(std::uint32_t serial, const Outcome &outcome)
+void Connection::reply(std::uint32_t serial, const Outcome &outcome, link::Passed passed)
 {
     if (_isOpen && _outgoing.bytes() > _replyBacklogBytes) {
         return close("it does not read its replies");
@@ -51,7 +52,8 @@ void Connection::reply(std::uint32_t serial, const Outcome &outcome)
         if (!_isOpen) {
             return;
         }
-        settle(_outgoing.send(link::encode({serial, link::Reply{outcome.error, !rest.empty(), part}})));
+        settle(_outgoing.send(link::encode({serial, link::Reply{outcome.error, !rest.empty(), part}}),
+                              std::exchange(passed, {})));
     } while (!rest.empty());
 }
 
@@ -78,7 +80,7 @@ bool Connection::receiveOne()
 {
     const std::span<char> buffer = _owner.buffer();
     std::size_t length = 0;
-    link::UniqueFd passed;
+    link::Passed passed;
     const int error =
         link::receiveMessage(_socket.get(), buffer.data(), buffer.size(), length, passed, MSG_DONTWAIT);
     if (error == EAGAIN) {
@@ -96,26 +98,42 @@ bool Connection::receiveOne()
     return _isOpen;
 }
 
-void Connection::accept(const link::Message &message, link::UniqueFd passed)
+void Connection::accept(const link::Message &message, link::Passed passed)
 {
     const auto *hello = std::get_if<link::Hello>(&message.body);
-    const auto *request = std::get_if<link::Request>(&message.body);
     const auto *command = std::get_if<link::Command>(&message.body);
     const bool opensEvents = std::holds_alternative<link::OpenEvents>(message.body);
-    if (passed && !opensEvents) {
+    if (passed.size() > (opensEvents ? 1 : 0)) {
         close("it passed a descriptor that nothing asks for");
     } else if (!_isAdmitted && hello) {
         greet(message.serial, *hello);
     } else if (!_isAdmitted) {
         close("its first message is not hello");
-    } else if (request && _role == Role::Application) {
-        reply(message.serial, _owner.request(*this, *request));
-    } else if (opensEvents && _role == Role::Application) {
-        _owner.openEvents(*this, message.serial, std::move(passed));
-    } else if (command && _role == Role::Control) {
+    } else if (_role == Role::Application) {
+        acceptFromApplication(message, std::move(passed));
+    } else if (command) {
         reply(message.serial, _owner.command(*command));
     } else {
-        close("its message is not one that it may send");
+        close(NOT_ITS_MESSAGE);
+    }
+}
+
+void Connection::acceptFromApplication(const link::Message &message, link::Passed passed)
+{
+    using namespace link;
+    if (const auto *request = std::get_if<Request>(&message.body)) {
+        reply(message.serial, _owner.request(*this, *request));
+    } else if (std::holds_alternative<OpenEvents>(message.body)) {
+        _owner.openEvents(*this, message.serial, passed.empty() ? UniqueFd() : std::move(passed.front()));
+    } else if (std::holds_alternative<OpenObject>(message.body) ||
+               std::holds_alternative<DescriptorCall>(message.body) ||
+               std::holds_alternative<PathCall>(message.body) ||
+               std::holds_alternative<OpenCalls>(message.body)) {
+        Passed answered;
+        const Outcome outcome = _owner.objects(*this, message.body, answered);
+        reply(message.serial, outcome, std::move(answered));
+    } else {
+        close(NOT_ITS_MESSAGE);
     }
 }
 

@@ -12,6 +12,8 @@
 #include <span>
 #include <string>
 
+#include <sys/socket.h>
+
 namespace kelp::device {
 
 class Connection;
@@ -27,6 +29,8 @@ public:
     virtual Outcome admit(Connection &connection, const link::Hello &hello) = 0;
     virtual Outcome request(Connection &connection, const link::Request &request) = 0;
     virtual Outcome command(const link::Command &command) = 0;
+    // A message about publish/subscribe objects. Sets what is to be passed with the answer.
+    virtual Outcome objects(Connection &connection, const link::Body &body, link::Passed &passed) = 0;
     // Answers by itself, with Connection::reply().
     virtual void openEvents(Connection &connection, std::uint32_t serial, link::UniqueFd channel) = 0;
     // The connection has closed itself: to be destroyed later. reason is empty when the client has ended it.
@@ -44,14 +48,14 @@ public:
     bool isOpen() const { return _isOpen; }
     bool isAdmitted() const { return _isAdmitted; }
     int descriptor() const { return _socket.get(); }
-    pid_t pid() const; // of who connected; 0 where that cannot be told
+    ucred peer() const; // who connected; a pid of 0 and nobody's ids where that cannot be told
 
     // The application process that the connection belongs to; 0: none.
     ProcessId process() const { return _process; }
     void setProcess(ProcessId process) { _process = process; }
 
     // Answers a message. A client that leaves too many answers unread loses its connection.
-    void reply(std::uint32_t serial, const Outcome &outcome);
+    void reply(std::uint32_t serial, const Outcome &outcome, link::Passed passed = {});
 
     // Ends the connection for the client, at once. What is unread or unsent is lost.
     void close(const std::string &reason);
@@ -59,7 +63,8 @@ public:
 private:
     void onReadable();
     bool receiveOne();
-    void accept(const link::Message &message, link::UniqueFd passed);
+    void accept(const link::Message &message, link::Passed passed);
+    void acceptFromApplication(const link::Message &message, link::Passed passed);
     void greet(std::uint32_t serial, const link::Hello &hello);
     void settle(OutgoingQueue::State state);
 

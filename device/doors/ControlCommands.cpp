@@ -48,6 +48,7 @@ struct ControlCommands::Verb {
 constinit const ControlCommands::Verb ControlCommands::VERBS[] = {
     {"event", "name=EVENT and the event's own arguments", link::MAX_ARGUMENTS, &ControlCommands::event},
     {"fail", "request=NAME errno=NUMBER [times=NUMBER]", 3, &ControlCommands::fail},
+    {"objects", "path=PATH", 1, &ControlCommands::objects},
     {"state", "none", 0, &ControlCommands::state},
     {"status", "none", 0, &ControlCommands::status},
     {"stop", "none", 0, &ControlCommands::stop},
@@ -103,6 +104,15 @@ Outcome ControlCommands::fail(const Command &command) const
     }
     _navigator.failRequests(request->code, static_cast<int>(*error), *times);
     return {};
+}
+
+Outcome ControlCommands::objects(const Command &command) const
+{
+    const auto path = argument(command, "path");
+    if (!path) {
+        return {EINVAL, "which directory? Give its path below /pps as the argument path"};
+    }
+    return _device.listObjects(std::string(*path));
 }
 
 Outcome ControlCommands::state(const Command &) const

@@ -19,6 +19,7 @@ public:
         std::function<std::string()> status; // the device's line of the state
         std::function<std::string()> state;
         std::function<void()> stop;
+        std::function<Outcome(const std::string &)> listObjects; // of the directory at a path below "/pps"
     };
 
     ControlCommands(Navigator &navigator, Device device);
@@ -32,6 +33,7 @@ private:
 
     Outcome event(const link::Command &command) const;
     Outcome fail(const link::Command &command) const;
+    Outcome objects(const link::Command &command) const;
     Outcome state(const link::Command &command) const;
     Outcome status(const link::Command &command) const;
     Outcome stop(const link::Command &command) const;

@@ -53,7 +53,7 @@ void EventChannel::onReadable()
 {
     char byte = 0;
     std::size_t length = 0;
-    link::UniqueFd passed;
+    link::Passed passed;
     const int error = link::receiveMessage(_socket.get(), &byte, sizeof byte, length, passed, MSG_DONTWAIT);
     if (error == EAGAIN) {
         return;

@@ -3,6 +3,8 @@
 // order. Connection and EventChannel own one each, watch the socket for it and keep its bound.
 #pragma once
 
+#include "platform/link/Socket.h"
+
 #include <cstddef>
 #include <deque>
 #include <string>
@@ -20,15 +22,21 @@ public:
 
     explicit OutgoingQueue(int socket) : _socket(socket) {}
 
-    State send(std::string bytes);
+    // Descriptors go with the message and are closed then.
+    State send(std::string bytes, link::Passed passed = {});
     State flush();
 
     std::size_t messages() const { return _messages.size(); }
     std::size_t bytes() const { return _bytes; }
 
 private:
+    struct Message {
+        std::string bytes;
+        link::Passed passed;
+    };
+
     int _socket; // the owner's
-    std::deque<std::string> _messages;
+    std::deque<Message> _messages;
     std::size_t _bytes = 0; // in _messages
 };
 

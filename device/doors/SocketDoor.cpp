@@ -12,10 +12,11 @@
 
 namespace kelp::device {
 
-SocketDoor::SocketDoor(EventLoop &loop, Navigator &navigator, const std::string &directory,
-                       const DoorLimits &limits, Services services)
+SocketDoor::SocketDoor(EventLoop &loop, Navigator &navigator, ObjectDoor &objects,
+                       const std::string &directory, const DoorLimits &limits, Services services)
     : _loop(loop),
       _navigator(navigator),
+      _objects(objects),
       _limits(limits),
       _services(std::move(services)),
       _buffer(link::MAX_MESSAGE_BYTES),
@@ -134,6 +135,11 @@ Outcome SocketDoor::request(Connection &connection, const link::Request &request
     return _navigator.request(connection.process(), request);
 }
 
+Outcome SocketDoor::objects(Connection &connection, const link::Body &body, link::Passed &passed)
+{
+    return _objects.handle(connection.process(), connection.peer(), body, passed);
+}
+
 void SocketDoor::openEvents(Connection &connection, std::uint32_t serial, link::UniqueFd channel)
 {
     const auto process = _processes.find(connection.process());
@@ -176,7 +182,7 @@ void SocketDoor::closed(Connection &connection, const std::string &reason)
 {
     _needsSweep = true;
     if (!reason.empty()) {
-        _services.trace(connection.pid(), "connection closed: " + reason);
+        _services.trace(connection.peer().pid, "connection closed: " + reason);
     }
 }
 
@@ -204,6 +210,7 @@ void SocketDoor::drop(const Connection &connection)
 {
     if (const ProcessId process = connection.process()) {
         _processes.erase(process);
+        _objects.dropClient(process);
         _navigator.disconnected(process);
     }
 }

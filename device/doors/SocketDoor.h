@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 // The device's door for the applications and commands of its own user: a socket in the device's directory. It lets
-// clients in, within its limits, turns their messages into calls of the navigator, and carries the navigator's events
+// clients in, within its limits, turns their messages into calls of the navigator and of the object door, and carries the navigator's events
 // and signals to the processes that they are for. A bad client loses its connection and harms nobody else.
 #pragma once
 
 #include "Connection.h"
 #include "DoorLimits.h"
 #include "Listener.h"
+#include "ObjectDoor.h"
 #include "PeerProcess.h"
 #include "device/loop/EventLoop.h"
 #include "device/navigator/Navigator.h"
@@ -29,8 +30,8 @@ public:
     };
 
     // Listens in a device's directory. Throws std::system_error.
-    SocketDoor(EventLoop &loop, Navigator &navigator, const std::string &directory, const DoorLimits &limits,
-               Services services);
+    SocketDoor(EventLoop &loop, Navigator &navigator, ObjectDoor &objects, const std::string &directory,
+               const DoorLimits &limits, Services services);
 
     // As in NavigatorPort. What is for a process or channel that has gone is dropped.
     void send(ProcessId process, const link::Event &event);
@@ -53,6 +54,7 @@ private:
     Outcome admit(Connection &connection, const link::Hello &hello) override;
     Outcome request(Connection &connection, const link::Request &request) override;
     Outcome command(const link::Command &command) override { return _services.command(command); }
+    Outcome objects(Connection &connection, const link::Body &body, link::Passed &passed) override;
     void openEvents(Connection &connection, std::uint32_t serial, link::UniqueFd channel) override;
     void closed(Connection &connection, const std::string &reason) override;
 
@@ -64,6 +66,7 @@ private:
 
     EventLoop &_loop;
     Navigator &_navigator;
+    ObjectDoor &_objects;
     DoorLimits _limits;
     Services _services;
     std::vector<char> _buffer;

@@ -1,81 +1,76 @@
 // SPDX-License-Identifier: Apache-2.0
-// Splits the text into lines and the lines into fields. Reads from the text alone: no copy is made but of the
-// result.
+// See RawRequest.h.
 #include "RawRequest.h"
 
-#include "ClientText.h"
-
-#include <algorithm>
-#include <array>
+#include <pps/pps.h>
 
 namespace kelp::device {
 
 namespace {
 
-struct AttributeLine {
-    std::string_view name, encoding, value;
+// The tree of a text, for as long as both live.
+class Decoded
+{
+public:
+    explicit Decoded(std::string &text)
+        : _succeeded(pps_decoder_initialize(&_decoder, text.data()) == PPS_DECODER_OK)
+    {}
+    ~Decoded()
+    {
+        if (_succeeded) {
+            pps_decoder_cleanup(&_decoder);
+        }
+    }
+    Decoded(const Decoded &) = delete;
+    Decoded &operator=(const Decoded &) = delete;
+
+    explicit operator bool() const { return _succeeded; }
+    pps_decoder_t *get() { return &_decoder; }
+
+private:
+    pps_decoder_t _decoder{};
+    bool _succeeded;
 };
 
-// Takes the text up to a character off, and the character with it.
-std::optional<std::string_view> takeUntil(std::string_view &text, char end)
+bool isName(const char *name)
 {
-    const std::size_t size = text.find(end);
-    if (size == std::string_view::npos) {
-        return std::nullopt;
+    return name && *name == '@';
+}
+
+// The last "msg" among the children where the walk is, if it is a text.
+std::optional<std::string> lastMessage(pps_decoder_t *decoder)
+{
+    const char *message = nullptr;
+    for (int i = 0; pps_decoder_goto_index(decoder, i) == PPS_DECODER_OK; ++i) {
+        const std::string_view name = pps_decoder_name(decoder);
+        if (isName(name.data())) {
+            return std::nullopt; // a name line that is not the first
+        }
+        if (name == "msg" && pps_decoder_get_string(decoder, nullptr, &message) != PPS_DECODER_OK) {
+            return std::nullopt;
+        }
     }
-    const std::string_view taken = text.substr(0, size);
-    text.remove_prefix(size + 1);
-    return taken;
-}
-
-// Flags in front of a name belong to what a subscriber reads, not to a request.
-bool isAttributeName(std::string_view name)
-{
-    return !name.empty() && std::string_view("-+#*!@").find(name.front()) == std::string_view::npos;
-}
-
-std::optional<AttributeLine> parseAttribute(std::string_view line)
-{
-    const auto name = takeUntil(line, ':');
-    const auto encoding = name ? takeUntil(line, ':') : std::nullopt;
-    if (!encoding || !isAttributeName(*name)) {
-        return std::nullopt;
-    }
-    return AttributeLine{*name, *encoding, line};
-}
-
-// An encoding that nobody knows reads as text. What the encoding "c" escapes is left so: no message needs it.
-bool isText(std::string_view encoding)
-{
-    constexpr std::array<std::string_view, 4> OTHERS = {"n", "b", "json", "b64"};
-    return std::find(OTHERS.begin(), OTHERS.end(), encoding) == OTHERS.end();
+    return message ? std::optional<std::string>(message) : std::nullopt;
 }
 
 } // namespace
 
 std::optional<std::string> messageOfRawRequest(std::string_view text)
 {
-    if (!isUtf8(text)) {
+    if (text.find('\0') != std::string_view::npos) {
         return std::nullopt;
     }
-    if (text.starts_with('@') && !takeUntil(text, '\n')) {
+    std::string copy(text); // to be parsed in place
+    Decoded decoded(copy);
+    if (!decoded) {
         return std::nullopt;
     }
-    std::optional<AttributeLine> message;
-    while (!text.empty()) {
-        const auto line = takeUntil(text, '\n');
-        const auto attribute = line ? parseAttribute(*line) : std::nullopt;
-        if (!attribute) {
-            return std::nullopt;
-        }
-        if (attribute->name == "msg") {
-            message = attribute;
-        }
-    }
-    if (!message || !isText(message->encoding)) {
+    const bool hasName = isName(pps_decoder_name(decoded.get()));
+    if (hasName &&
+        (pps_decoder_length(decoded.get()) > 1 || pps_decoder_push(decoded.get(), nullptr) != PPS_DECODER_OK)) {
         return std::nullopt;
     }
-    return std::string(message->value);
+    return lastMessage(decoded.get());
 }
 
 } // namespace kelp::device

@@ -8,9 +8,8 @@
 
 namespace kelp::device {
 
-// The value of the attribute "msg" (the last, where it stands several times) of a PPS text: an optional name
-// line, then attribute lines "name:encoding:value", each with its line feed. Nothing where the text is
-// malformed or not UTF-8, or where "msg" is missing or is no text.
+// The value of the attribute "msg" (the last, where it stands several times) of the text of one object, with its name
+// line or without. Nothing where the text is malformed, or where "msg" is missing or is no text.
 std::optional<std::string> messageOfRawRequest(std::string_view text);
 
 } // namespace kelp::device

@@ -4,11 +4,10 @@
 #include "Exchange.h"
 
 #include "Limits.h"
-#include "Socket.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <vector>
+#include <memory>
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -44,19 +43,19 @@ int await(int connection, short what, Moment end)
     }
 }
 
-int sendRequest(int connection, std::string_view bytes, int passed, Moment end)
+int sendRequest(int connection, std::string_view bytes, std::span<const int> passed, Moment end)
 {
     const int error = await(connection, POLLOUT, end);
     return error ? error : sendMessage(connection, bytes, passed, MSG_DONTWAIT);
 }
 
-int receiveReply(int connection, std::uint32_t serial, Moment end, std::vector<char> &buffer, Reply &reply)
+int receiveReply(int connection, std::uint32_t serial, Moment end, std::span<char> buffer, Reply &reply,
+                 Passed &received)
 {
     std::size_t length = 0;
-    UniqueFd unasked;
     int error = await(connection, POLLIN, end);
     if (!error) {
-        error = receiveMessage(connection, buffer.data(), buffer.size(), length, unasked, MSG_DONTWAIT);
+        error = receiveMessage(connection, buffer.data(), buffer.size(), length, received, MSG_DONTWAIT);
     }
     if (error) {
         return transportError(error);
@@ -65,27 +64,29 @@ int receiveReply(int connection, std::uint32_t serial, Moment end, std::vector<c
         return ECONNRESET;
     }
     auto message = decode({buffer.data(), length});
-    auto *received = message ? std::get_if<Reply>(&message->body) : nullptr;
-    if (!received || message->serial != serial) {
+    auto *answer = message ? std::get_if<Reply>(&message->body) : nullptr;
+    if (!answer || message->serial != serial) {
         return EPROTO;
     }
-    reply = std::move(*received);
+    reply = std::move(*answer);
     return 0;
 }
 
 } // namespace
 
-int exchange(int connection, std::uint32_t serial, Body body, int passed, Reply &reply)
+int exchange(int connection, std::uint32_t serial, Body body, std::span<const int> passed, Reply &reply,
+             Passed &received)
 {
     const Moment end = std::chrono::steady_clock::now() + ANSWER_TIME;
     if (const int error = sendRequest(connection, encode({serial, std::move(body)}), passed, end)) {
         return transportError(error);
     }
-    std::vector<char> buffer(MAX_MESSAGE_BYTES);
+    const auto buffer = std::make_unique_for_overwrite<char[]>(MAX_REPLY_BYTES);
     std::string text;
     Reply part;
     do {
-        if (const int error = receiveReply(connection, serial, end, buffer, part)) {
+        if (const int error =
+                receiveReply(connection, serial, end, {buffer.get(), MAX_REPLY_BYTES}, part, received)) {
             return error;
         }
         text += part.text;

@@ -28,4 +28,7 @@ inline constexpr std::size_t MAX_ARGUMENTS = 32;
 // Texts longer than this many bytes are answered in several replies.
 inline constexpr std::size_t MAX_REPLY_TEXT_BYTES = 65536;
 
+// The largest reply in bytes, header included.
+inline constexpr std::size_t MAX_REPLY_BYTES = MAX_REPLY_TEXT_BYTES + 64;
+
 } // namespace kelp::link

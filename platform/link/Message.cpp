@@ -173,6 +173,33 @@ void fields(Visitor &visitor, Field &event) requires std::is_same_v<std::remove_
     visitor.text(event.id, MAX_ID_BYTES);
 }
 
+template <typename Visitor, typename Field>
+void fields(Visitor &visitor, Field &open) requires std::is_same_v<std::remove_const_t<Field>, OpenObject>
+{
+    visitor.text(open.path, MAX_TEXT_BYTES);
+    visitor.number(open.flags);
+    visitor.number(open.mode);
+}
+
+template <typename Visitor, typename Field>
+void fields(Visitor &visitor, Field &call) requires std::is_same_v<std::remove_const_t<Field>, DescriptorCall>
+{
+    limited(visitor, call.kind, 1, 2);
+    visitor.number(call.descriptor);
+}
+
+template <typename Visitor, typename Field>
+void fields(Visitor &visitor, Field &call) requires std::is_same_v<std::remove_const_t<Field>, PathCall>
+{
+    limited(visitor, call.kind, 1, 3);
+    visitor.number(call.mode);
+    visitor.text(call.path, MAX_TEXT_BYTES);
+}
+
+template <typename Visitor, typename Field>
+void fields(Visitor &, Field &) requires std::is_same_v<std::remove_const_t<Field>, OpenCalls>
+{}
+
 // Reads the body whose kind is given.
 template <std::size_t Index = 0>
 void readBody(Reader &reader, std::uint32_t kind, Body &body)

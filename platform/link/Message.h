@@ -74,6 +74,51 @@ struct Command {
     bool operator==(const Command &) const = default;
 };
 
+// Opens an object of the publish/subscribe service. The reply's text is the descriptor's number on the device; with it
+// come the shared memory of its Slot (subscribers only) and the client's end of what wakes it.
+struct OpenObject {
+    static constexpr std::uint32_t SUBSCRIBE = 1;
+    static constexpr std::uint32_t PUBLISH = 2;
+    static constexpr std::uint32_t CREATE = 4;
+    static constexpr std::uint32_t EXCLUSIVE = 8;
+    static constexpr std::uint32_t TRUNCATE = 16;
+
+    std::string path; // below "/pps", with its options; at most MAX_TEXT_BYTES
+    std::uint32_t flags = 0;
+    std::uint32_t mode = 0; // of a new object, less the umask
+    bool operator==(const OpenObject &) const = default;
+};
+
+// What is done to one open descriptor.
+struct DescriptorCall {
+    enum class Kind : std::uint32_t {
+        Close = 1,
+        Taken =
+            2, // the reader has taken a text with more behind it: the reply comes once that is there to be taken
+    };
+    Kind kind = Kind::Close;
+    std::uint32_t descriptor = 0;
+    bool operator==(const DescriptorCall &) const = default;
+};
+
+// What is done to one path, below "/pps".
+struct PathCall {
+    enum class Kind : std::uint32_t {
+        Unlink = 1,
+        Access = 2, // mode: as access(2)
+        Size = 3,   // the reply's text is the size in bytes
+    };
+    Kind kind = Kind::Unlink;
+    std::uint32_t mode = 0;
+    std::string path; // at most MAX_TEXT_BYTES
+    bool operator==(const PathCall &) const = default;
+};
+
+// Opens the road for writes: with the reply come the shared memory of a CallPage and its doorbell.
+struct OpenCalls {
+    bool operator==(const OpenCalls &) const = default;
+};
+
 // The answer to any message of a client.
 struct Reply {
     std::int32_t status = 0; // 0, or an errno
@@ -96,7 +141,8 @@ struct Event {
     bool operator==(const Event &) const = default;
 };
 
-using Body = std::variant<Hello, Request, OpenEvents, Command, Reply, Event>;
+using Body = std::variant<Hello, Request, OpenEvents, Command, Reply, Event, OpenObject, DescriptorCall,
+                          PathCall, OpenCalls>;
 
 struct Message {
     std::uint32_t serial = 0; // chosen by the client, repeated in the Reply; 0 in events

@@ -3,6 +3,7 @@
 
 #include "Socket.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -13,13 +14,13 @@ namespace kelp::link {
 
 namespace {
 
-// Room for the descriptor of one message, and for a few that nobody asked for, which are closed.
-constexpr std::size_t MAX_PASSED = 8;
+// Room for the descriptors of one message, and for a few that nobody asked for, which are closed.
+constexpr std::size_t MOST_RECEIVED = 8;
 
-// Keeps the first descriptor that came with a message and closes the rest.
-UniqueFd takePassed(msghdr &header)
+// Keeps the first descriptors that came with a message and closes the rest.
+Passed takePassed(msghdr &header)
 {
-    UniqueFd kept;
+    Passed kept;
     for (cmsghdr *part = CMSG_FIRSTHDR(&header); part; part = CMSG_NXTHDR(&header, part)) {
         if (part->cmsg_level != SOL_SOCKET || part->cmsg_type != SCM_RIGHTS) {
             continue;
@@ -29,8 +30,8 @@ UniqueFd takePassed(msghdr &header)
             int descriptor = -1;
             std::memcpy(&descriptor, CMSG_DATA(part) + i * sizeof descriptor, sizeof descriptor);
             UniqueFd owned(descriptor);
-            if (!kept) {
-                kept = std::move(owned);
+            if (kept.size() < MAX_PASSED) {
+                kept.push_back(std::move(owned));
             }
         }
     }
@@ -100,21 +101,22 @@ int socketPair(UniqueFd &first, UniqueFd &second)
     return 0;
 }
 
-int sendMessage(int socket, std::string_view bytes, int passed, int flags)
+int sendMessage(int socket, std::string_view bytes, std::span<const int> passed, int flags)
 {
     iovec part{const_cast<char *>(bytes.data()), bytes.size()};
     msghdr header{};
     header.msg_iov = &part;
     header.msg_iovlen = 1;
-    alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int))] = {};
-    if (passed >= 0) {
+    alignas(cmsghdr) char control[CMSG_SPACE(MAX_PASSED * sizeof(int))] = {};
+    if (!passed.empty()) {
+        const std::size_t size = std::min(passed.size(), MAX_PASSED) * sizeof(int);
         header.msg_control = control;
-        header.msg_controllen = sizeof control;
+        header.msg_controllen = CMSG_SPACE(size);
         cmsghdr *rights = CMSG_FIRSTHDR(&header);
         rights->cmsg_level = SOL_SOCKET;
         rights->cmsg_type = SCM_RIGHTS;
-        rights->cmsg_len = CMSG_LEN(sizeof(int));
-        std::memcpy(CMSG_DATA(rights), &passed, sizeof passed);
+        rights->cmsg_len = CMSG_LEN(size);
+        std::memcpy(CMSG_DATA(rights), passed.data(), size);
     }
     ssize_t sent = 0;
     do {
@@ -123,11 +125,10 @@ int sendMessage(int socket, std::string_view bytes, int passed, int flags)
     return sent < 0 ? errno : 0;
 }
 
-int receiveMessage(int socket, char *buffer, std::size_t size, std::size_t &length, UniqueFd &passed,
-                   int flags)
+int receiveMessage(int socket, char *buffer, std::size_t size, std::size_t &length, Passed &passed, int flags)
 {
     iovec part{buffer, size};
-    alignas(cmsghdr) char control[CMSG_SPACE(MAX_PASSED * sizeof(int))];
+    alignas(cmsghdr) char control[CMSG_SPACE(MOST_RECEIVED * sizeof(int))];
     msghdr header{};
     header.msg_iov = &part;
     header.msg_iovlen = 1;
@@ -140,12 +141,12 @@ int receiveMessage(int socket, char *buffer, std::size_t size, std::size_t &leng
     if (received < 0) {
         return errno;
     }
-    UniqueFd descriptor = takePassed(header);
+    Passed descriptors = takePassed(header);
     if (header.msg_flags & MSG_TRUNC) {
         return EMSGSIZE;
     }
     length = static_cast<std::size_t>(received);
-    passed = std::move(descriptor);
+    passed = std::move(descriptors);
     return 0;
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The device's socket as both ends use it: where it lies, and whole messages (with at most one descriptor each)
+// The device's socket as both ends use it: where it lies, and whole messages (with a few descriptors each)
 // in and out. SOCK_SEQPACKET keeps the messages apart; nothing here knows what they say.
 #pragma once
 
@@ -7,8 +7,10 @@
 
 #include <chrono>
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <sys/un.h>
 
@@ -29,15 +31,18 @@ int connectToDevice(const std::string &directory, std::chrono::milliseconds time
 // Two connected sockets. Returns 0, or the errno of socketpair(2).
 int socketPair(UniqueFd &first, UniqueFd &second);
 
-// Sends one message, with a descriptor unless passed is -1, without raising SIGPIPE. flags as for sendmsg(2).
+// The descriptors that come with a message, in their order, close-on-exec.
+using Passed = std::vector<UniqueFd>;
+inline constexpr std::size_t MAX_PASSED = 2;
+
+// Sends one message, with at most MAX_PASSED descriptors, without raising SIGPIPE. flags as for sendmsg(2).
 // Returns 0, or the errno of sendmsg(2).
-int sendMessage(int socket, std::string_view bytes, int passed = -1, int flags = 0);
+int sendMessage(int socket, std::string_view bytes, std::span<const int> passed = {}, int flags = 0);
 
 // Receives one message of at most size bytes into buffer. flags as for recvmsg(2).
-// Returns 0 and sets length (0: the other end has closed) and passed (the descriptor that came with it, close-on-exec,
-// if any; more than one are closed). Otherwise the errno of recvmsg(2), or EMSGSIZE for a message that does not fit,
-// which is then lost.
-int receiveMessage(int socket, char *buffer, std::size_t size, std::size_t &length, UniqueFd &passed,
+// Returns 0 and sets length (0: the other end has closed) and passed (those beyond MAX_PASSED are closed). Otherwise the
+// errno of recvmsg(2), or EMSGSIZE for a message that does not fit, which is then lost.
+int receiveMessage(int socket, char *buffer, std::size_t size, std::size_t &length, Passed &passed,
                    int flags = 0);
 
 } // namespace kelp::link

@@ -32,7 +32,7 @@ std::optional<link::Message> receiveFrom(int socket)
     }
     std::vector<char> buffer(link::MAX_MESSAGE_BYTES);
     std::size_t length = 0;
-    link::UniqueFd passed;
+    link::Passed passed;
     const int error = link::receiveMessage(socket, buffer.data(), buffer.size(), length, passed);
     if (error == ECONNRESET || (!error && length == 0)) {
         return {};
@@ -64,7 +64,8 @@ int DoorClient::send(link::Body body, int passed)
 
 int DoorClient::sendBytes(std::string_view bytes, int passed)
 {
-    return link::sendMessage(_socket.get(), bytes, passed);
+    const std::span<const int> none;
+    return link::sendMessage(_socket.get(), bytes, passed < 0 ? none : std::span<const int>(&passed, 1));
 }
 
 std::optional<link::Reply> DoorClient::receive()

@@ -18,14 +18,7 @@ namespace kelp::test {
 class DoorTest : public testing::Test
 {
 protected:
-    ~DoorTest() override
-    {
-        if (_thread.joinable()) {
-            _device->stop();
-            _device->stop(); // at once: the test is over
-            _thread.join();
-        }
-    }
+    ~DoorTest() override { stopDevice(); }
 
     void startDevice(device::DoorLimits limits = {})
     {
@@ -38,6 +31,16 @@ protected:
         };
         _device.emplace(device::DeviceDirectory::temporaryIn("/tmp"), std::move(options));
         _thread = std::thread([this] { _device->run(); });
+    }
+
+    void stopDevice()
+    {
+        if (_thread.joinable()) {
+            _device->stop();
+            _device->stop(); // at once
+            _thread.join();
+            _device.reset();
+        }
     }
 
     const std::string &directory() const { return _device->directory(); }

@@ -84,7 +84,8 @@ void DeviceClient::awaitEnd(std::chrono::milliseconds timeout)
 std::string DeviceClient::exchange(link::Body body)
 {
     link::Reply reply;
-    if (const int error = link::exchange(_socket.get(), ++_serial, std::move(body), -1, reply)) {
+    link::Passed none;
+    if (const int error = link::exchange(_socket.get(), ++_serial, std::move(body), {}, reply, none)) {
         fail(error);
     }
     if (reply.status) {

@@ -6,7 +6,6 @@
 #include "platform/host/NeverDestroyed.h"
 #include "platform/link/Exchange.h"
 #include "platform/link/Limits.h"
-#include "platform/link/Socket.h"
 
 #include <cerrno>
 #include <chrono>
@@ -14,6 +13,7 @@
 
 #include <poll.h>
 #include <pthread.h>
+#include <unistd.h>
 
 namespace kelp::platform {
 
@@ -45,19 +45,23 @@ DeviceConnection &DeviceConnection::instance()
     static NeverDestroyed<DeviceConnection> connection;
     // The child must neither answer for the parent nor wait for a lock that a thread of the parent held.
     static const int registered = ::pthread_atfork(nullptr, nullptr, [] {
-        connection->_socket.reset();
+        (void)connection->lost(0); // closes the child's copies; the parent's stay
         connection.renew();
     });
     (void)registered; // without memory for it, a fork() is the caller's risk
     return *connection;
 }
 
-int DeviceConnection::ask(const link::Body &body, std::string &text, int passed)
+int DeviceConnection::ask(const link::Body &body, Answer &answer, std::span<const int> passed,
+                          Generation generation)
 {
-    text.clear();
+    answer = {};
     const std::lock_guard lock(_mutex);
     if (_socket && hasGone()) {
-        _socket.reset();
+        (void)lost(0); // the next one may be there by now
+    }
+    if (generation != ANY && (!_socket || generation != _generation)) {
+        return ECONNRESET;
     }
     if (!_socket) {
         if (const int error = connect()) {
@@ -65,11 +69,34 @@ int DeviceConnection::ask(const link::Body &body, std::string &text, int passed)
         }
     }
     link::Reply reply;
-    if (const int error = exchange(body, passed, reply)) {
+    if (const int error = exchange(body, passed, reply, answer.passed)) {
         return error;
     }
-    text = std::move(reply.text);
+    answer.text = std::move(reply.text);
+    answer.generation = _generation;
     return reply.status;
+}
+
+int DeviceConnection::write(Generation generation, std::uint32_t descriptor, std::string_view text)
+{
+    const std::lock_guard lock(_mutex);
+    if (!_socket || generation != _generation) {
+        return ECONNRESET;
+    }
+    if (!_calls) {
+        if (const int error = openCalls()) {
+            return error;
+        }
+    }
+    if (text.size() > _calls.textBytes()) {
+        return EMSGSIZE;
+    }
+    _calls.ask(descriptor, text);
+    const std::uint64_t one = 1;
+    if (::write(_doorbell.get(), &one, sizeof one) != sizeof one) {
+        return lost(ECONNRESET);
+    }
+    return awaitAnswer();
 }
 
 int DeviceConnection::connect()
@@ -81,17 +108,58 @@ int DeviceConnection::connect()
     if (const int error = link::connectToDevice(directory, link::ANSWER_TIME, _socket)) {
         return connectError(error);
     }
+    ++_generation;
     link::Reply reply;
-    int error = exchange(link::Hello{link::PROTOCOL_VERSION, link::Role::Application}, -1, reply);
+    link::Passed none;
+    int error = exchange(link::Hello{link::PROTOCOL_VERSION, link::Role::Application}, {}, reply, none);
     if (!error && reply.status) {
         error = lost(reply.status);
     }
     return error;
 }
 
-int DeviceConnection::exchange(const link::Body &body, int passed, link::Reply &reply)
+int DeviceConnection::openCalls()
 {
-    const int error = link::exchange(_socket.get(), ++_serial, body, passed, reply);
+    link::Reply reply;
+    link::Passed passed;
+    if (const int error = exchange(link::OpenCalls{}, {}, reply, passed)) {
+        return error;
+    }
+    if (reply.status) {
+        return reply.status;
+    }
+    link::SharedMemory memory;
+    if (passed.size() != 2) {
+        return lost(EPROTO);
+    }
+    if (const int error = link::SharedMemory::map(passed[0], link::CallPage::sizeFor(0), memory)) {
+        return error;
+    }
+    _calls = link::CallPage(std::move(memory));
+    _doorbell = std::move(passed[1]);
+    return 0;
+}
+
+// The page does not tell of the device's end, the socket does: it is looked at whenever an answer is late.
+int DeviceConnection::awaitAnswer()
+{
+    constexpr std::chrono::milliseconds LATE(100);
+    for (auto left = std::chrono::milliseconds(link::ANSWER_TIME); left > left.zero(); left -= LATE) {
+        int status = 0;
+        if (_calls.awaitAnswer(LATE, status)) {
+            return status;
+        }
+        if (hasGone()) {
+            return lost(ECONNRESET);
+        }
+    }
+    return lost(ETIMEDOUT);
+}
+
+int DeviceConnection::exchange(const link::Body &body, std::span<const int> passed, link::Reply &reply,
+                               link::Passed &received)
+{
+    const int error = link::exchange(_socket.get(), ++_serial, body, passed, reply, received);
     return error ? lost(error == EAGAIN ? ETIMEDOUT : error) : 0;
 }
 
@@ -106,6 +174,8 @@ bool DeviceConnection::hasGone() const
 int DeviceConnection::lost(int error)
 {
     _socket.reset();
+    _doorbell.reset();
+    _calls = link::CallPage();
     return error;
 }
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // The C functions of navigator.h that ask for events and read them.
 
-#include "DeviceConnection.h"
 #include "EventChannel.h"
 #include "platform/host/Result.h"
+#include "platform/host/connection/DeviceConnection.h"
 #include "platform/host/tarn/QueueRegistry.h"
 #include "platform/link/Socket.h"
 
@@ -28,8 +28,9 @@ int openChannel(Queue &queue, int flags)
         return error;
     }
     queue.setSource(std::make_unique<EventChannel>(std::move(ours)));
-    std::string reason;
-    const int error = DeviceConnection::instance().ask(link::OpenEvents{flags}, reason, theirs.get());
+    DeviceConnection::Answer answer;
+    const int passed[] = {theirs.get()};
+    const int error = DeviceConnection::instance().ask(link::OpenEvents{flags}, answer, passed);
     if (error) {
         queue.dropSource();
     }

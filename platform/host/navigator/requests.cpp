@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // The C functions of navigator.h that ask something of the navigator.
 
-#include "DeviceConnection.h"
 #include "platform/host/Result.h"
+#include "platform/host/connection/DeviceConnection.h"
 #include "platform/link/Limits.h"
 
 #include <navigator/navigator.h>
@@ -25,7 +25,10 @@ int send(const Request &request, std::string &text)
     if (request.first.size() > link::MAX_TEXT_BYTES || request.second.size() > link::MAX_TEXT_BYTES) {
         return E2BIG;
     }
-    return DeviceConnection::instance().ask(request, text);
+    DeviceConnection::Answer answer;
+    const int status = DeviceConnection::instance().ask(request, answer);
+    text = std::move(answer.text);
+    return status;
 }
 
 int resultOfRequest(RequestCode code, int number = 0)

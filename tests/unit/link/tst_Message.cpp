@@ -20,9 +20,10 @@ class Generator
 public:
     Message message()
     {
-        static Body (Generator::*const KINDS[])() = {&Generator::hello, &Generator::request,
-                                                     &Generator::open,  &Generator::command,
-                                                     &Generator::reply, &Generator::event};
+        static Body (Generator::*const KINDS[])() = {
+            &Generator::hello,    &Generator::request,  &Generator::open,       &Generator::command,
+            &Generator::reply,    &Generator::event,    &Generator::openObject, &Generator::descriptorCall,
+            &Generator::pathCall, &Generator::openCalls};
         static_assert(std::size(KINDS) == std::variant_size_v<Body>);
         return {static_cast<std::uint32_t>(number()), (this->*KINDS[below(std::size(KINDS))])()};
     }
@@ -48,6 +49,21 @@ private:
     {
         return Event{number(), number(), number(), number(), number(), number(), number(), text(), text()};
     }
+    Body openObject()
+    {
+        return OpenObject{text(), static_cast<std::uint32_t>(number()), static_cast<std::uint32_t>(number())};
+    }
+    Body descriptorCall()
+    {
+        return DescriptorCall{static_cast<DescriptorCall::Kind>(1 + below(2)),
+                              static_cast<std::uint32_t>(number())};
+    }
+    Body pathCall()
+    {
+        return PathCall{static_cast<PathCall::Kind>(1 + below(3)), static_cast<std::uint32_t>(number()),
+                        text()};
+    }
+    Body openCalls() { return OpenCalls{}; }
     std::int32_t number()
     {
         static constexpr std::int32_t EDGES[] = {0, 1, -1, std::numeric_limits<std::int32_t>::min(),
@@ -102,7 +118,19 @@ struct Bytes {
     }
 };
 
-enum Kind : std::uint32_t { HELLO = 1, REQUEST, OPEN_EVENTS, COMMAND, REPLY, EVENT, NONE };
+enum Kind : std::uint32_t {
+    HELLO = 1,
+    REQUEST,
+    OPEN_EVENTS,
+    COMMAND,
+    REPLY,
+    EVENT,
+    OPEN_OBJECT,
+    DESCRIPTOR_CALL,
+    PATH_CALL,
+    OPEN_CALLS,
+    NONE
+};
 
 } // namespace
 

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: Apache-2.0
+// See StateObjects.h.
+
+#include "StateObjects.h"
+
+#include "device/navigator/StateNames.h"
+
+#include <navigator/navigator.h>
+#include <pps/pps.h>
+
+#include <algorithm>
+
+namespace kelp::device {
+
+namespace {
+
+constexpr char APPLICATIONS[] = "/services/navigator/";
+constexpr char PROPERTIES[] = "/services/deviceproperties";
+constexpr Credentials DEVICE{}; // root's
+
+// A text under way. What cannot be encoded, such as a title that is no UTF-8, is left out.
+class Text
+{
+public:
+    Text() { (void)pps_encoder_initialize(&_encoder, false); } // without memory, nothing below has an effect
+    ~Text() { pps_encoder_cleanup(&_encoder); }
+    Text(const Text &) = delete;
+    Text &operator=(const Text &) = delete;
+
+    void add(const char *name, const std::string &value)
+    {
+        (void)pps_encoder_add_string(&_encoder, name, value.c_str());
+    }
+    void add(const char *name, bool value) { (void)pps_encoder_add_bool(&_encoder, name, value); }
+    void add(const char *name, int value) { (void)pps_encoder_add_int(&_encoder, name, value); }
+    template <typename Members>
+    void addObject(const char *name, Members members)
+    {
+        (void)pps_encoder_start_object(&_encoder, name);
+        members();
+        (void)pps_encoder_end_object(&_encoder);
+    }
+    template <typename Elements>
+    void addArray(const char *name, Elements elements)
+    {
+        (void)pps_encoder_start_array(&_encoder, name);
+        elements();
+        (void)pps_encoder_end_array(&_encoder);
+    }
+
+    std::string take()
+    {
+        const char *text = pps_encoder_buffer(&_encoder);
+        return text ? std::string(text, pps_encoder_length(&_encoder)) : std::string();
+    }
+
+private:
+    pps_encoder_t _encoder;
+};
+
+std::string textOf(const ApplicationState &application)
+{
+    Text text;
+    text.add("pid", static_cast<int>(application.pid));
+    text.add("processState", std::string(appStateName(application.appState)));
+    text.addArray("windowGroups", [&] {
+        for (const WindowGroupState &group : application.groups) {
+            text.addObject(nullptr, [&] {
+                text.add("id", group.id);
+                text.add("windowState", std::string(windowStateName(group.windowState)));
+                text.add("active", group.active);
+            });
+        }
+    });
+    text.add("closePrompt", application.hasClosePrompt);
+    text.add("closePromptShown", application.promptShown);
+    text.addArray("deadlines", [&] {
+        for (const DeadlineState &deadline : application.deadlines) {
+            text.add(nullptr, deadline.name);
+        }
+    });
+    return text.take();
+}
+
+} // namespace
+
+void StateObjects::publish(const DeviceProperties &properties)
+{
+    Text text;
+    text.add("screen_res", std::to_string(properties.width) + 'x' + std::to_string(properties.height));
+    text.add("defaultTheme", properties.theme);
+    (void)write(PROPERTIES, _properties, text.take()); // the first object of all: there is room
+}
+
+void StateObjects::publish(const std::vector<ApplicationState> &applications)
+{
+    for (const ApplicationState &application : applications) {
+        if (!write(APPLICATIONS + application.id, _applications[application.id], textOf(application))) {
+            _applications.erase(application.id);
+        }
+    }
+    std::erase_if(_applications, [&](auto &entry) {
+        const bool isThere = std::any_of(applications.begin(), applications.end(),
+                                         [&](const auto &one) { return one.id == entry.first; });
+        if (!isThere) {
+            (void)_store.unlink(APPLICATIONS + entry.first, DEVICE); // somebody else may have done so
+            _store.close(entry.second.descriptor);
+        }
+        return !isThere;
+    });
+}
+
+// False where the store does not take it. An object that somebody has deleted is made anew.
+bool StateObjects::write(const std::string &path, Object &object, std::string text)
+{
+    if (object.text == text) {
+        return true;
+    }
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        Store::OpenFlags flags;
+        flags.publish = flags.create = flags.truncate = true;
+        flags.mode = 0644;
+        if (!object.descriptor && _store.open(path, flags, DEVICE, object.descriptor) != 0) {
+            return false;
+        }
+        if (_store.write(object.descriptor, text) == 0) {
+            object.text = std::move(text);
+            return true;
+        }
+        _store.close(object.descriptor);
+        object.descriptor = 0;
+    }
+    return false;
+}
+
+} // namespace kelp::device

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+// The device's state as publish/subscribe objects: its properties under "/pps/services/deviceproperties", and one object
+// for each application under "/pps/services/navigator/". Every program can follow them like any other object.
+#pragma once
+
+#include "device/navigator/Navigator.h"
+#include "device/store/Store.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace kelp::device {
+
+// What the device is, as applications see it.
+struct DeviceProperties {
+    int width = 768; // pixels
+    int height = 1280;
+    std::string theme = "bright"; // or "dark"
+};
+
+class StateObjects
+{
+public:
+    explicit StateObjects(Store &store) : _store(store) {}
+
+    void publish(const DeviceProperties &properties);
+
+    // Publishes the applications that have changed since the last call, and deletes the objects of those that are gone.
+    // What the store refuses, because it is full, is left out.
+    void publish(const std::vector<ApplicationState> &applications);
+
+private:
+    struct Object {
+        DescriptorId descriptor = 0;
+        std::string text; // as last written
+    };
+
+    bool write(const std::string &path, Object &object, std::string text);
+
+    Store &_store;
+    std::map<std::string, Object> _applications; // by id
+    Object _properties;
+};
+
+} // namespace kelp::device
