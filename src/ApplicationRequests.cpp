@@ -4,6 +4,8 @@
 
 #include "ApplicationPrivate.h"
 
+#include <kelp/PpsObject.h>
+
 #include <navigator/navigator.h>
 #include <tarn/tarn.h>
 
@@ -16,12 +18,6 @@
 namespace kelp {
 
 namespace {
-
-// The PPS text of a message without arguments.
-QByteArray minimizeRequest()
-{
-    return QByteArrayLiteral("msg::minimizeWindow\n");
-}
 
 int showBadge(IconBadge::Type badge)
 {
@@ -63,7 +59,13 @@ bool ApplicationPrivate::setIconBadge(int badge)
 
 bool ApplicationPrivate::minimize()
 {
-    const QByteArray request = minimizeRequest();
+    bool ok = true;
+    const QByteArray request =
+        PpsObject::encode({{QStringLiteral("msg"), QStringLiteral("minimizeWindow")}}, &ok);
+    if (!ok) {
+        qWarning() << "Minimize request encoding failed";
+        return false;
+    }
     if (navigator_raw_write(request.constData(), static_cast<unsigned int>(request.size())) == TARN_SUCCESS) {
         return true;
     }

@@ -48,15 +48,15 @@ std::shared_ptr<Log> makeLog()
     return s_state.logs.emplace_back(std::make_shared<Log>());
 }
 
-// The answer to a call: its result and errno, both 0 where the test has set none.
-std::pair<int, int> takeAnswer(const std::string &function)
+// The answer to a call, its result and errno, where the test has set one.
+std::optional<std::pair<int, int>> takeAnswer(const std::string &function)
 {
     const std::lock_guard lock(s_state.mutex);
-    std::pair<int, int> given;
+    std::optional<std::pair<int, int>> given;
     for (Answer &answer : s_state.answers) {
         const bool isMeant = answer.function == function || answer.function == RecordingPlatform::ANY;
         if (isMeant && (answer.always || --answer.countdown == 0)) {
-            given = {answer.result, answer.error};
+            given = std::pair(answer.result, answer.error);
         }
     }
     return given;
@@ -81,7 +81,7 @@ bool onlyFetchesEvents(const std::string &call)
 
 } // namespace
 
-int note(const std::string &function, const std::string &arguments, bool canFail)
+std::optional<int> note(const std::string &function, const std::string &arguments, bool canFail)
 {
     const int before = errno;
     thread_local const std::shared_ptr<Log> log = makeLog();
@@ -90,13 +90,13 @@ int note(const std::string &function, const std::string &arguments, bool canFail
         log->calls.emplace_back(s_order.fetch_add(1, std::memory_order_relaxed),
                                 function + '(' + arguments + ')');
     }
-    std::pair<int, int> answer;
+    std::optional<std::pair<int, int>> answer;
     if (s_scripted.load(std::memory_order_relaxed)) {
         act(function);
         answer = canFail ? takeAnswer(function) : answer;
     }
-    errno = answer.second ? answer.second : before;
-    return answer.first;
+    errno = answer && answer->second ? answer->second : before;
+    return answer ? std::optional(answer->first) : std::nullopt;
 }
 
 char *handedOut(const std::string &function)

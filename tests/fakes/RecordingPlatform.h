@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // A platform for tests, in place of the real one: it notes every call that is made of it, answers as the test has
-// told it to, and has queues to which the test posts events. It knows no device and decides nothing by itself; of
-// tarn_event_create() and tarn_event_push(), which libkelp does not call, it has no more than the note and the answer.
+// told it to, and has queues to which the test posts events. It knows no device and decides nothing by itself: files
+// are the host's, also below "/pps/", and the text codec is the real one, which notes nothing. Of tarn_event_create()
+// and tarn_event_push(), which libkelp does not call, it has no more than the note and the answer.
 //
 //     RecordingPlatform::answer("navigator_close_window", TARN_FAILURE, EPERM);
 //     ThreadQueue::ofThisThread().postExit();

@@ -22,16 +22,21 @@ difference=$(diff <(echo "$declared") <(exported "$BUILD/lib/libkelp-platform.so
     fail "libkelp-platform exports other functions than its headers declare: $difference"
 
 # libkelp: what the public headers name.
+symbols=$(exported "$BUILD/lib/lib$LIBRARY.so")
 public=$(grep -hoE 'class KELP_EXPORT [A-Za-z]+' "$SOURCE"/kelp/*.h | awk '{ print $3 }' | paste -sd '|')
-stray=$(exported "$BUILD/lib/lib$LIBRARY.so" |
-    grep -vE "^((typeinfo|typeinfo name|vtable) for )?(non-virtual thunk to )?kelp::($public)(::|$)" || true)
+printers='kelp::operator<<(QDebug, QFlags<kelp::PpsAttributeFlag::Type>)
+kelp::operator<<(QDebug, kelp::PpsAttribute const&)'
+stray=$(grep -vE "^((typeinfo|typeinfo name|vtable) for )?(non-virtual thunk to )?kelp::($public)(::|$)" <<<"$symbols" |
+    grep -vxF "$printers" || true)
 [ -z "$stray" ] || fail "lib$LIBRARY exports what is not public: $stray"
-for class in AbstractTarnEventHandler Application ApplicationSupport UIToolkitSupport; do
-    exported "$BUILD/lib/lib$LIBRARY.so" | grep -qx "typeinfo for kelp::$class" || fail "kelp::$class has no typeinfo"
+for class in AbstractTarnEventHandler Application ApplicationSupport PpsObject UIToolkitSupport; do
+    grep -qx "typeinfo for kelp::$class" <<<"$symbols" || fail "kelp::$class has no typeinfo"
 done
+[ "$(grep -xF "$printers" <<<"$symbols" | LC_ALL=C sort)" = "$printers" ] ||
+    fail "lib$LIBRARY does not export the printers of attributes and flags"
 
 # The platform's functions are looked up when the library is loaded, so that others can take their place.
 objdump -p "$BUILD/lib/lib$LIBRARY.so" | grep -qE 'SYMBOLIC' && fail "lib$LIBRARY is bound to its own symbols"
-nm -D --undefined-only "$BUILD/lib/lib$LIBRARY.so" | grep -q ' navigator_request_events' ||
+grep -q ' navigator_request_events' <<<"$(nm -D --undefined-only "$BUILD/lib/lib$LIBRARY.so")" ||
     fail "lib$LIBRARY does not look up navigator_request_events"
 exit "$failed"

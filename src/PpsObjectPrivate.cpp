@@ -1,0 +1,289 @@
+// SPDX-License-Identifier: Apache-2.0
+// See PpsObjectPrivate.h.
+
+#include "PpsObjectPrivate.h"
+
+#include "Locker.h"
+#include "Messages.h"
+#include "PpsMaxSize.h"
+
+#include <devicefs/devicefs.h>
+
+#include <QtCore/QAbstractEventDispatcher>
+#include <QtCore/QSocketNotifier>
+#include <QtCore/QThread>
+
+#include <cerrno>
+#include <utility>
+
+#include <fcntl.h>
+
+namespace kelp {
+
+namespace {
+
+int openFlags(PpsOpenMode::Types mode)
+{
+    int flags = O_RDONLY;
+    if (mode.testFlag(PpsOpenMode::Publish)) {
+        flags = mode.testFlag(PpsOpenMode::Subscribe) ? O_RDWR : O_WRONLY;
+    }
+    if (mode.testFlag(PpsOpenMode::Create)) {
+        flags |= O_CREAT | O_EXCL;
+    }
+    if (mode.testFlag(PpsOpenMode::DeleteContents)) {
+        flags |= O_TRUNC;
+    }
+    return flags;
+}
+
+QString textOf(const QThread *thread)
+{
+    return QStringLiteral("0x%1 (\"%2\")")
+        .arg(reinterpret_cast<quintptr>(thread), 0, 16)
+        .arg(thread->objectName());
+}
+
+} // namespace
+
+// A child of the object, to follow it when it moves to another thread.
+PpsObjectPrivate::PpsObjectPrivate(PpsObject *q, const QString &path) : QObject(q), path(path), q(q) {}
+
+PpsObjectPrivate::~PpsObjectPrivate()
+{
+    endRetired();
+}
+
+void PpsObjectPrivate::dispose(PpsObjectPrivate *d)
+{
+    d->warnIfNotThread("destroyed", d->q->thread());
+    if (d->isOpen()) {
+        (void)d->release(); // nobody is left to be told
+    }
+    if (d->isOfAnotherThread()) {
+        {
+            const Locker lock(
+                &d->_mutex); // hands the record over: its own thread takes the lock again before it ends it
+            d->setParent(nullptr);
+        }
+        d->deleteLater();
+    } else {
+        delete d;
+    }
+}
+
+bool PpsObjectPrivate::open(PpsOpenMode::Types mode)
+{
+    error = 0;
+    if (isOpen()) {
+        error = EBUSY;
+        return false;
+    }
+    const int flags = openFlags(mode);
+    warnIfNotThread("open called", q->thread());
+    const int opened = devicefs_open(path.toUtf8().constData(), flags, 0666);
+    if (opened == -1) {
+        error = errno;
+        return false;
+    }
+    {
+        const Locker lock(&_mutex);
+        fd = opened;
+    }
+    requestSynchronize();
+    return true;
+}
+
+bool PpsObjectPrivate::close()
+{
+    if (!requireOpen()) {
+        return false;
+    }
+    warnIfNotThread("close called", q->thread());
+    error = release();
+    return error == 0;
+}
+
+QByteArray PpsObjectPrivate::read(bool *ok)
+{
+    bool ignored = false;
+    bool &isRead = ok ? *ok : ignored;
+    isRead = false;
+    if (!requireOpen()) {
+        return {};
+    }
+    warnIfNotThread("read called", q->thread());
+    QByteArray buffer(PPS_MAX_SIZE, Qt::Uninitialized);
+    const ssize_t size = devicefs_read(fd, buffer.data(), static_cast<size_t>(buffer.size()));
+    if (size == -1) {
+        error = errno;
+        qWarning() << "PpsObject::read failed to read pps data, error " << Quoted{q->errorString()};
+        return {};
+    }
+    if (size == 0) { // not the end of a file: no news yet
+        error = EAGAIN;
+        return {};
+    }
+    isRead = true;
+    buffer.resize(static_cast<int>(size));
+    buffer.squeeze(); // callers may keep it
+    return buffer;
+}
+
+bool PpsObjectPrivate::write(const QByteArray &data)
+{
+    if (!requireOpen()) {
+        return false;
+    }
+    warnIfNotThread("write called", q->thread());
+    const ssize_t size = devicefs_write(fd, data.constData(), static_cast<size_t>(data.size()));
+    if (size == -1) {
+        error = errno;
+    }
+    return size == data.size(); // a short write is no error(): kept on purpose
+}
+
+bool PpsObjectPrivate::remove()
+{
+    error = devicefs_unlink(path.toUtf8().constData()) == 0 ? 0 : errno;
+    return error == 0;
+}
+
+bool PpsObjectPrivate::setBlocking(bool blocking)
+{
+    const int flags = descriptorFlags();
+    if (flags == -1) {
+        return false;
+    }
+    const int wanted = blocking ? flags & ~O_NONBLOCK : flags | O_NONBLOCK;
+    if (devicefs_fcntl(fd, F_SETFL, wanted) == -1) {
+        error = errno;
+        return false;
+    }
+    return true;
+}
+
+bool PpsObjectPrivate::isBlocking()
+{
+    const int flags = descriptorFlags();
+    return flags != -1 && (flags & O_NONBLOCK) == 0;
+}
+
+void PpsObjectPrivate::setReadyReadEnabled(bool enable)
+{
+    {
+        const Locker lock(&_mutex);
+        readyReadEnabled = enable;
+    }
+    if (isOpen()) {
+        requestSynchronize();
+    }
+}
+
+// On the object's thread: brings the notifier up to date with what has been asked for, on whatever thread.
+void PpsObjectPrivate::synchronize()
+{
+    endRetired();
+    const Locker lock(&_mutex);
+    if (fd == -1) {
+        return;
+    }
+    if (!notifier) {
+        notifier = new QSocketNotifier(fd, QSocketNotifier::Read, q);
+        // By name: such a connection is Qt's own alone, and another thread may end it.
+        connect(notifier, SIGNAL(activated(int)), q, SIGNAL(readyRead()));
+    }
+    notifier->setEnabled(readyReadEnabled);
+}
+
+bool PpsObjectPrivate::requireOpen()
+{
+    error = isOpen() ? 0 : EBADF;
+    return isOpen();
+}
+
+void PpsObjectPrivate::warnIfNotThread(const char *what, QThread *objectThread) const
+{
+    const QThread *current = QThread::currentThread();
+    if (!objectThread || !current || objectThread == current) {
+        return;
+    }
+    qWarning() << "PpsObject" << what << "on QThread:" << Quoted{textOf(current)}
+               << "but this object's QThread affinity is:" << Quoted{textOf(objectThread)}
+               << "path:" << Quoted{path} << "fd:" << fd;
+}
+
+// Whether the notifier is out of reach: its thread is another one, and still has event handling.
+bool PpsObjectPrivate::isOfAnotherThread() const
+{
+    QThread *own = thread();
+    return own && own != QThread::currentThread() && QAbstractEventDispatcher::instance(own);
+}
+
+void PpsObjectPrivate::requestSynchronize()
+{
+    if (thread() == QThread::currentThread()) {
+        synchronize();
+    } else {
+        // By name: such a call is made within Qt, and carries nothing that two threads touch.
+        QMetaObject::invokeMethod(this, "synchronize", Qt::QueuedConnection);
+    }
+}
+
+int PpsObjectPrivate::release()
+{
+    std::unique_ptr<QSocketNotifier> unwanted;
+    int number = -1;
+    {
+        const Locker lock(&_mutex);
+        unwanted.reset(std::exchange(notifier, nullptr));
+        number = std::exchange(fd, -1);
+    }
+    if (unwanted && isOfAnotherThread()) {
+        return retire({std::move(unwanted), number});
+    }
+    unwanted.reset(); // before the number can be anybody else's
+    return devicefs_close(number) == 0 ? 0 : errno;
+}
+
+// The other thread's event loop goes on watching the number until it runs synchronize().
+int PpsObjectPrivate::retire(Retired retired)
+{
+    const int result = devicefs_detach(retired.fd) == 0 ? 0 : errno;
+    retired.notifier->disconnect(q);
+    retired.notifier->setParent(nullptr);
+    {
+        const Locker lock(&_mutex);
+        _retired.push_back(std::move(retired));
+    }
+    requestSynchronize();
+    return result;
+}
+
+void PpsObjectPrivate::endRetired()
+{
+    std::vector<Retired> retired;
+    {
+        const Locker lock(&_mutex);
+        retired.swap(_retired);
+    }
+    for (Retired &ended : retired) {
+        ended.notifier.reset();
+        (void)devicefs_close(ended.fd); // what was open there has been closed before
+    }
+}
+
+// -1, and the error, when there are none.
+int PpsObjectPrivate::descriptorFlags()
+{
+    if (!requireOpen()) {
+        return -1;
+    }
+    const int flags = devicefs_fcntl(fd, F_GETFL, 0);
+    if (flags == -1) {
+        error = errno;
+    }
+    return flags;
+}
+
+} // namespace kelp
