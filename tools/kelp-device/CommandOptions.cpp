@@ -11,6 +11,18 @@
 
 namespace kelp::tool {
 
+namespace {
+
+std::string checkSeconds(const std::string &text)
+{
+    constexpr double A_DAY = 24 * 60 * 60;
+    double value = 0;
+    const bool isInRange = CLI::detail::lexical_cast(text, value) && value >= 0 && value <= A_DAY; // not NaN
+    return isInRange ? "" : "\"" + text + "\" is not a number of seconds from 0 to 86400";
+}
+
+} // namespace
+
 void addDeviceOption(CLI::App &verb, std::string &path, const std::string &help)
 {
     verb.add_option("--device", path, help)->type_name("DIR");
@@ -18,14 +30,13 @@ void addDeviceOption(CLI::App &verb, std::string &path, const std::string &help)
 
 void addSecondsOption(CLI::App &verb, const std::string &name, double &seconds, const std::string &help)
 {
-    const auto check = [](const std::string &text) -> std::string {
-        constexpr double A_DAY = 24 * 60 * 60;
-        double value = 0;
-        const bool isInRange =
-            CLI::detail::lexical_cast(text, value) && value >= 0 && value <= A_DAY; // not NaN
-        return isInRange ? "" : "\"" + text + "\" is not a number of seconds from 0 to 86400";
-    };
-    verb.add_option(name, seconds, help)->type_name("SECONDS")->check(check)->capture_default_str();
+    verb.add_option(name, seconds, help)->type_name("SECONDS")->check(checkSeconds)->capture_default_str();
+}
+
+void addSecondsOption(CLI::App &verb, const std::string &name, std::optional<double> &seconds,
+                      const std::string &help)
+{
+    verb.add_option(name, seconds, help)->type_name("SECONDS")->check(checkSeconds);
 }
 
 void SetUpOptions::addTo(CLI::App &verb, const std::string &deviceHelp)

@@ -19,6 +19,8 @@ void addDeviceOption(CLI::App &verb, std::string &path, const std::string &help)
 
 // A number of seconds from 0 to a day. seconds keeps its value where the option is not given.
 void addSecondsOption(CLI::App &verb, const std::string &name, double &seconds, const std::string &help);
+void addSecondsOption(CLI::App &verb, const std::string &name, std::optional<double> &seconds,
+                      const std::string &help);
 
 // The options of a device that is to be set up.
 struct SetUpOptions {

@@ -3,14 +3,12 @@
 
 #include "StateTable.h"
 
-#include "Failure.h"
+#include "Report.h"
+#include "TextTable.h"
 
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
-#include <array>
 #include <sstream>
-#include <string_view>
 #include <vector>
 
 namespace kelp::tool {
@@ -18,23 +16,6 @@ namespace kelp::tool {
 namespace {
 
 using Json = nlohmann::json;
-using Row = std::vector<std::string>;
-
-// Calls with each line's object, and turns what is missing in it into a Failure.
-template <typename Use>
-void forEachObject(const std::string &report, Use use)
-{
-    try {
-        std::istringstream lines(report);
-        for (std::string line; std::getline(lines, line);) {
-            use(Json::parse(line));
-        }
-    } catch (const Json::exception &error) {
-        throw Failure(EXIT_REFUSED,
-                      std::string("the device's report cannot be read, it is of another release: ") +
-                          error.what());
-    }
-}
 
 std::string seconds(const Json &milliseconds)
 {
@@ -43,15 +24,6 @@ std::string seconds(const Json &milliseconds)
     text.precision(1);
     text << milliseconds.get<double>() / 1000 << " s";
     return text.str();
-}
-
-// A client's text on one line, and without what would drive the terminal.
-std::string printable(std::string text)
-{
-    std::replace_if(
-        text.begin(), text.end(),
-        [](unsigned char character) { return character < 0x20 || character == 0x7f; }, '?');
-    return text;
 }
 
 std::string promptOf(const Json &prompt)
@@ -94,26 +66,6 @@ void addApplication(std::vector<Row> &rows, const Json &application)
     if (!row[0].empty()) {
         rows.push_back(row);
     }
-}
-
-std::string aligned(const std::vector<Row> &rows)
-{
-    std::vector<std::size_t> widths(rows.front().size());
-    for (const Row &row : rows) {
-        for (std::size_t column = 0; column < row.size(); ++column) {
-            widths[column] = std::max(widths[column], row[column].size());
-        }
-    }
-    std::string text;
-    for (const Row &row : rows) {
-        std::string line;
-        for (std::size_t column = 0; column < row.size(); ++column) {
-            line += row[column] + std::string(widths[column] - row[column].size() + 2, ' ');
-        }
-        line.erase(line.find_last_not_of(' ') + 1);
-        text += line + '\n';
-    }
-    return text;
 }
 
 } // namespace

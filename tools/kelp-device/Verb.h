@@ -24,6 +24,7 @@ using Action = std::function<int()>;
 
 Action addEvent(CLI::App &verb, const Invocation &invocation);
 Action addFail(CLI::App &verb, const Invocation &invocation);
+Action addPps(CLI::App &verb, const Invocation &invocation);
 Action addRun(CLI::App &verb, const Invocation &invocation);
 Action addStart(CLI::App &verb, const Invocation &invocation);
 Action addState(CLI::App &verb, const Invocation &invocation);

@@ -30,6 +30,7 @@ constexpr VerbSpec VERBS[] = {
     {"event", "Cause an event, as a person or the system would", addEvent},
     {"state", "Show the applications and their windows, prompts and deadlines", addState},
     {"fail", "Make an application's requests fail", addFail},
+    {"pps", "List, read, write, watch and delete publish/subscribe objects", addPps},
 };
 
 // Takes what follows "--" off the arguments: it is the application's, whatever it looks like.
