@@ -11,37 +11,6 @@ namespace kelp::device {
 
 namespace {
 
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-// Of a few digits, with a point between them or none. Other numbers there are; this one is sure to be one.
-bool isPlainNumber(std::string_view value)
-{
-    constexpr std::size_t FEW = 15;
-    value.remove_prefix(value.starts_with('-') ? 1 : 0);
-    if (value.empty() || value.size() > FEW || value.front() == '0') {
-        return value == "0";
-    }
-    std::size_t digits = 0;
-    for (const char c : value) {
-        digits += isDigit(c) ? 1 : 0;
-    }
-    const bool hasPoint = digits + 1 == value.size() && value.find('.') != std::string_view::npos;
-    return isDigit(value.front()) && isDigit(value.back()) && (digits == value.size() || hasPoint);
-}
-
-// Nearly all values can be told to be good at a glance; the others are put to the trial.
-bool isValid(const pps::Line &line)
-{
-    const bool isPlain =
-        (line.encoding == pps::Encoding::Number && isPlainNumber(line.value)) ||
-        (line.encoding == pps::Encoding::Bool && (line.value == "true" || line.value == "false")) ||
-        (line.encoding == pps::Encoding::Escaped && line.value.find('\\') == std::string_view::npos);
-    return isPlain || pps::isValid(line.encoding, line.value);
-}
-
 bool isName(const pps::Line &line)
 {
     return line.kind == pps::Line::Kind::Object && line.flags == 0;
@@ -49,7 +18,8 @@ bool isName(const pps::Line &line)
 
 bool isSetting(const pps::Line &line)
 {
-    return line.kind == pps::Line::Kind::Attribute && line.flags == 0 && isValid(line);
+    return line.kind == pps::Line::Kind::Attribute && line.flags == 0 &&
+           pps::isValid(line.encoding, line.value);
 }
 
 bool isDeletion(const pps::Line &line)

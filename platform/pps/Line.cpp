@@ -126,6 +126,55 @@ const char *takeApart(const char *at, const char *end, Line &line)
     return isWhole ? nameEnd : nullptr;
 }
 
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+// Of a few digits, with a point between them or none. Other numbers there are; this one is sure to be one.
+bool isPlainNumber(std::string_view value)
+{
+    constexpr std::size_t FEW = 15;
+    value.remove_prefix(value.starts_with('-') ? 1 : 0);
+    if (value.empty() || value.size() > FEW || value.front() == '0') {
+        return value == "0";
+    }
+    const auto digits = static_cast<std::size_t>(std::count_if(value.begin(), value.end(), isDigit));
+    const bool hasPoint = digits + 1 == value.size() && value.find('.') != std::string_view::npos;
+    return isDigit(value.front()) && isDigit(value.back()) && (digits == value.size() || hasPoint);
+}
+
+// Whether the value can be told to be good at a glance, as nearly all can.
+bool isPlain(Encoding encoding, std::string_view value)
+{
+    switch (encoding) {
+    case Encoding::Text:
+        return true;
+    case Encoding::Escaped:
+        return value.find('\\') == std::string_view::npos;
+    case Encoding::Number:
+        return isPlainNumber(value);
+    case Encoding::Bool:
+        return value == "true" || value == "false";
+    case Encoding::Json:
+    case Encoding::Base64:
+        return false;
+    }
+    return false;
+}
+
+// Reads the value as the decoder does, from a copy that may change.
+bool isReadable(Encoding encoding, std::string_view value)
+{
+    std::string text(value);
+    text += '\n';
+    const std::size_t capacity = survey(text).nodes;
+    const auto nodes = std::make_unique_for_overwrite<Node[]>(capacity);
+    TreeBuilder builder(nodes.get(), capacity);
+    ValueReader reader(builder, text.data(), text.data() + text.size());
+    return reader.read(encoding, text.data(), text.data() + value.size(), NO_NAME);
+}
+
 } // namespace
 
 bool takeLine(std::string_view &text, Line &line)
@@ -141,17 +190,7 @@ bool takeLine(std::string_view &text, Line &line)
 
 bool isValid(Encoding encoding, std::string_view value)
 {
-    if (encoding == Encoding::Text) {
-        return true;
-    }
-    // Read as the decoder does, from a copy that it may change.
-    std::string text(value);
-    text += '\n';
-    const std::size_t capacity = survey(text).nodes;
-    const auto nodes = std::make_unique_for_overwrite<Node[]>(capacity);
-    TreeBuilder builder(nodes.get(), capacity);
-    ValueReader reader(builder, text.data(), text.data() + text.size());
-    return reader.read(encoding, text.data(), text.data() + value.size(), NO_NAME);
+    return isPlain(encoding, value) || isReadable(encoding, value);
 }
 
 } // namespace kelp::pps

@@ -20,8 +20,8 @@ TEST_F(DoorCommands, AWrongCommandIsRefusedWithWordsThatHelp)
         const char *help;
     };
     const Row rows[] = {
-        {{"no-such", {}}, "event, fail, state, status, stop"},
-        {{"", {}}, "event, fail, state, status, stop"},
+        {{"no-such", {}}, "event, fail, objects, state, status, stop"},
+        {{"", {}}, "event, fail, objects, state, status, stop"},
         {{"state", {{"x", "y"}}}, "none"},
         {{"event", {}}, "first argument"},
         {{"event", {{"app", "a"}, {"name", "exit"}}}, "first argument"},

@@ -39,21 +39,28 @@ struct State {
 
 std::atomic<std::uint64_t> s_order{0};
 std::atomic<bool> s_scripted{
-    false};                  // whether there are answers or actions: without, calls take no common lock
-State &s_state = *new State; // never destroyed: threads may end after static objects have gone
+    false}; // whether there are answers or actions: without, calls take no common lock
+
+// Made when it is first needed, which can be before this library's own start, and never destroyed: threads may end after
+// static objects have gone.
+State &state()
+{
+    static State &made = *new State;
+    return made;
+}
 
 std::shared_ptr<Log> makeLog()
 {
-    const std::lock_guard lock(s_state.mutex);
-    return s_state.logs.emplace_back(std::make_shared<Log>());
+    const std::lock_guard lock(state().mutex);
+    return state().logs.emplace_back(std::make_shared<Log>());
 }
 
 // The answer to a call, its result and errno, where the test has set one.
 std::optional<std::pair<int, int>> takeAnswer(const std::string &function)
 {
-    const std::lock_guard lock(s_state.mutex);
+    const std::lock_guard lock(state().mutex);
     std::optional<std::pair<int, int>> given;
-    for (Answer &answer : s_state.answers) {
+    for (Answer &answer : state().answers) {
         const bool isMeant = answer.function == function || answer.function == RecordingPlatform::ANY;
         if (isMeant && (answer.always || --answer.countdown == 0)) {
             given = std::pair(answer.result, answer.error);
@@ -66,9 +73,9 @@ void act(const std::string &function)
 {
     std::function<void()> action;
     {
-        const std::lock_guard lock(s_state.mutex);
-        const auto found = s_state.actions.find(function);
-        action = found == s_state.actions.end() ? [] {} : found->second;
+        const std::lock_guard lock(state().mutex);
+        const auto found = state().actions.find(function);
+        action = found == state().actions.end() ? [] {} : found->second;
     }
     action();
 }
@@ -101,19 +108,19 @@ std::optional<int> note(const std::string &function, const std::string &argument
 
 char *handedOut(const std::string &function)
 {
-    const std::lock_guard lock(s_state.mutex);
-    const auto found = s_state.texts.find(function);
-    return found == s_state.texts.end() ? nullptr : ::strdup(found->second.c_str());
+    const std::lock_guard lock(state().mutex);
+    const auto found = state().texts.find(function);
+    return found == state().texts.end() ? nullptr : ::strdup(found->second.c_str());
 }
 
 void RecordingPlatform::reset()
 {
-    const std::lock_guard lock(s_state.mutex);
-    s_state.answers.clear();
-    s_state.texts.clear();
-    s_state.actions.clear();
+    const std::lock_guard lock(state().mutex);
+    state().answers.clear();
+    state().texts.clear();
+    state().actions.clear();
     s_scripted = false;
-    for (const auto &log : s_state.logs) {
+    for (const auto &log : state().logs) {
         const std::lock_guard logLock(log->mutex);
         log->calls.clear();
     }
@@ -121,9 +128,9 @@ void RecordingPlatform::reset()
 
 std::vector<std::string> RecordingPlatform::calls()
 {
-    const std::lock_guard lock(s_state.mutex);
+    const std::lock_guard lock(state().mutex);
     Calls all;
-    for (const auto &log : s_state.logs) {
+    for (const auto &log : state().logs) {
         const std::lock_guard logLock(log->mutex);
         all.insert(all.end(), log->calls.begin(), log->calls.end());
     }
@@ -148,21 +155,21 @@ std::string RecordingPlatform::takeRequests()
 
 void RecordingPlatform::answer(const std::string &function, int result, int error, int nth)
 {
-    const std::lock_guard lock(s_state.mutex);
-    s_state.answers.push_back({function, result, error, nth, nth == ALWAYS});
+    const std::lock_guard lock(state().mutex);
+    state().answers.push_back({function, result, error, nth, nth == ALWAYS});
     s_scripted = true;
 }
 
 void RecordingPlatform::setText(const std::string &function, const std::string &text)
 {
-    const std::lock_guard lock(s_state.mutex);
-    s_state.texts[function] = text;
+    const std::lock_guard lock(state().mutex);
+    state().texts[function] = text;
 }
 
 void RecordingPlatform::onCall(const std::string &function, std::function<void()> action)
 {
-    const std::lock_guard lock(s_state.mutex);
-    s_state.actions[function] = std::move(action);
+    const std::lock_guard lock(state().mutex);
+    state().actions[function] = std::move(action);
     s_scripted = true;
 }
 
