@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include <sys/resource.h>
 #include <sys/types.h>
 
 namespace kelp::device {
@@ -41,14 +42,15 @@ public:
     // exitCode: the child's own, or 128 and the number of the signal that ended it.
     using Ended = std::function<void(pid_t child, int exitCode)>;
 
-    // From now on orphaned descendants become children of this process, and SIGPIPE is ignored in it.
+    // From now on orphaned descendants become children of this process, SIGPIPE is ignored in it, and it may have as many
+    // descriptors as the system lets it: each object that a client has open takes one.
     ChildProcesses();
     ~ChildProcesses();
     ChildProcesses(const ChildProcesses &) = delete;
     ChildProcesses &operator=(const ChildProcesses &) = delete;
 
-    // Starts a program as the leader of a process group of its own, with the signal mask and dispositions that this
-    // process began with. A terminal on standard input is kept from it, unless it takes it over.
+    // Starts a program as the leader of a process group of its own, with the signal mask, the dispositions and the
+    // limit of descriptors that this process began with. A terminal on standard input is kept from it, unless it takes it over.
     // Throws LaunchError.
     pid_t launch(const Launch &launch);
 
@@ -74,6 +76,7 @@ private:
     bool _any = false;
     sigset_t _maskBefore;
     struct sigaction _pipeBefore;
+    rlimit _filesBefore;
 };
 
 } // namespace kelp::device
