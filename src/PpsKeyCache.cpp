@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <cstring>
-#include <memory>
 
 namespace kelp {
 
@@ -39,12 +38,6 @@ std::size_t hash(const char *name, std::size_t size)
 }
 
 } // namespace
-
-PpsKeyCache &PpsKeyCache::ofThisThread()
-{
-    thread_local const auto cache = std::make_unique<PpsKeyCache>();
-    return *cache;
-}
 
 const QString &PpsKeyCache::key(const char *name)
 {

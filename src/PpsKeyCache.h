@@ -15,8 +15,6 @@ public:
     PpsKeyCache() = default;
     Q_DISABLE_COPY(PpsKeyCache)
 
-    static PpsKeyCache &ofThisThread();
-
     // The string of a name in UTF-8, until the next call.
     const QString &key(const char *name);
 

@@ -125,7 +125,7 @@ QVariantMap PpsObject::decode(const QByteArray &data, bool *ok)
 {
     return attempt(ok, [&data] {
         PpsText text(data);
-        return PpsVariantDecoder(text.decoder()).decodeObject();
+        return PpsVariantDecoder(text.decoder(), text.keys()).decodeObject();
     });
 }
 

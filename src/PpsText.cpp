@@ -5,9 +5,10 @@
 
 namespace kelp {
 
-PpsText::PpsText(const QByteArray &bytes) : _bytes(bytes.constData(), static_cast<std::size_t>(bytes.size()))
+PpsText::PpsText(const QByteArray &bytes)
 {
-    check(pps_decoder_initialize(&_decoder, _bytes.data()));
+    _scratch->text.assign(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    check(pps_decoder_initialize(&_decoder, _scratch->text.data()));
 }
 
 PpsText::~PpsText()

@@ -2,12 +2,13 @@
 // A parsed PPS text, and the steps of a walk through it that both decoders take. A failing step throws.
 #pragma once
 
+#include "PpsScratch.h"
+
 #include <pps/pps.h>
 
 #include <QtCore/QByteArray>
 
 #include <exception>
-#include <string>
 
 namespace kelp {
 
@@ -20,6 +21,7 @@ public:
 
     // In front of the text's own members, or elements.
     pps_decoder_t *decoder() { return &_decoder; }
+    PpsKeyCache &keys() { return _scratch->keys; }
 
     static void check(pps_decoder_error_t error)
     {
@@ -74,7 +76,7 @@ private:
     Q_DISABLE_COPY(PpsText)
     static long long longInteger(pps_decoder_t *decoder);
 
-    std::string _bytes; // read by the decoder until its end
+    PpsScratch::Lease _scratch; // its text is read by the decoder until its end
     pps_decoder_t _decoder;
 };
 

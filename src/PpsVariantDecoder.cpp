@@ -9,9 +9,9 @@
 
 namespace kelp {
 
-PpsVariantDecoder::PpsVariantDecoder(pps_decoder_t *decoder)
+PpsVariantDecoder::PpsVariantDecoder(pps_decoder_t *decoder, PpsKeyCache &keys)
     : _decoder(decoder),
-      _keys(PpsKeyCache::ofThisThread())
+      _keys(keys)
 {}
 
 QVariantMap PpsVariantDecoder::decodeObject()

@@ -15,7 +15,7 @@ class PpsVariantDecoder
 {
 public:
     // The decoder is the caller's, and is left where it was.
-    explicit PpsVariantDecoder(pps_decoder_t *decoder);
+    PpsVariantDecoder(pps_decoder_t *decoder, PpsKeyCache &keys);
 
     // The members, or the elements, of the node that the decoder is in.
     QVariantMap decodeObject();

@@ -117,8 +117,8 @@ Outcome ObjectDoor::call(ProcessId client, const link::DescriptorCall &call)
     if (call.kind == link::DescriptorCall::Kind::Close) {
         close(call.descriptor);
         flush(); // what vanishes with it has vanished when the call returns
-    } else if (found->second.slot) {
-        push(found->second);
+    } else if (found->second.slot && push(found->second)) {
+        wake(found->second.wakeEnd);
     }
     return {};
 }
@@ -189,20 +189,26 @@ void ObjectDoor::flush()
 {
     for (const DescriptorId due : _store.takeDue()) {
         const auto found = _descriptors.find(due);
-        if (found != _descriptors.end() && found->second.slot) {
-            push(found->second);
+        if (found != _descriptors.end() && found->second.slot && push(found->second)) {
+            _toWake.push_back(&found->second);
         }
+    }
+    // All texts lie there before the first reader runs, which can be at once and in place of this process.
+    for (const OpenDescriptor *descriptor : _toWake) {
+        wake(descriptor->wakeEnd);
     }
     for (const Answer &answer : _answers) {
         if (const auto client = _clients.find(answer.client); client != _clients.end()) {
-            client->second.calls.answer(answer.status);
+            client->second.calls.answer(answer.status, _toWake.size());
         }
     }
     _answers.clear();
+    _toWake.clear();
 }
 
-// Puts into the slot what a read gives now, in the place of what nobody has read.
-void ObjectDoor::push(OpenDescriptor &descriptor)
+// Puts into the slot what a read gives now, in the place of what nobody has read. Returns whether the reader is to be
+// woken: it has read all that there was.
+bool ObjectDoor::push(OpenDescriptor &descriptor)
 {
     const bool isUnread = descriptor.slot->withhold();
     if (!isUnread) {
@@ -212,9 +218,7 @@ void ObjectDoor::push(OpenDescriptor &descriptor)
     if (isUnread || !news.text.empty()) {
         descriptor.slot->put(news.text, news.more);
     }
-    if (!isUnread && !news.text.empty()) {
-        wake(descriptor.wakeEnd);
-    }
+    return !isUnread && !news.text.empty();
 }
 
 void ObjectDoor::close(DescriptorId id)

@@ -62,7 +62,7 @@ private:
     Outcome call(const ucred &who, const link::PathCall &call);
     Outcome openCalls(ProcessId client, link::Passed &passed);
     void onDoorbell(ProcessId client);
-    void push(OpenDescriptor &descriptor);
+    bool push(OpenDescriptor &descriptor);
     void close(DescriptorId id);
     void trace(pid_t pid, const std::string &what, int error) const;
 
@@ -72,8 +72,9 @@ private:
     Trace _trace;
     std::map<ProcessId, Client> _clients;
     std::unordered_map<DescriptorId, OpenDescriptor> _descriptors;
-    std::vector<Answer> _answers; // to the writes of this turn
-    std::string _text;            // of one write; kept for its room
+    std::vector<Answer> _answers;                // to the writes of this turn
+    std::vector<const OpenDescriptor *> _toWake; // in this flush
+    std::string _text;                           // of one write; kept for its room
 };
 
 } // namespace kelp::device

@@ -21,11 +21,13 @@ struct CallPage::Head {
     std::uint32_t descriptor;
     std::uint32_t size;
     std::int32_t status;
+    std::uint32_t woken; // readers, by the last write
 };
 
 namespace {
 
 constexpr std::size_t HEAD = 64;
+constexpr std::uint32_t FEW_READERS = 2;
 
 // Values of Head::state; the memory begins as zeros.
 constexpr std::uint32_t IDLE = 0;
@@ -85,8 +87,11 @@ void CallPage::ask(std::uint32_t descriptor, std::string_view text)
 
 bool CallPage::awaitAnswer(std::chrono::nanoseconds longest, int &status)
 {
-    // A device that shares the processor can answer right now, and neither side pays for a sleep.
-    (void)::sched_yield();
+    // A device that shares the processor can answer right now, and neither side pays for a sleep. Where many readers
+    // wait for it, whoever yields instead of sleeping takes turns with all of them.
+    if (head().woken <= FEW_READERS) {
+        (void)::sched_yield();
+    }
     std::uint32_t state = head().state.load(std::memory_order_acquire);
     if (state != ANSWERED) {
         state = sleepUntilAnswered(Clock::now() + longest);
@@ -129,9 +134,10 @@ bool CallPage::takeAsked(std::uint32_t &descriptor, std::string &text)
     return true;
 }
 
-void CallPage::answer(int status)
+void CallPage::answer(int status, std::size_t woken)
 {
     head().status = status;
+    head().woken = static_cast<std::uint32_t>(woken);
     if (head().state.exchange(ANSWERED, std::memory_order_acq_rel) & SLEEPING) {
         wakeAll(head().state);
     }

@@ -35,7 +35,8 @@ public:
 
     // Whether something has been asked for; sets descriptor and text, a copy that the client cannot change any more.
     bool takeAsked(std::uint32_t &descriptor, std::string &text);
-    void answer(int status);
+    // woken: how many readers are about to run because of the write.
+    void answer(int status, std::size_t woken);
 
 private:
     struct Head;

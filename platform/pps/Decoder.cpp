@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // The decoder's C functions: a whole tree made at once, in one block of memory, and a walk over it.
+#include "NodeBlock.h"
 #include "Survey.h"
 #include "TextReader.h"
 #include "Tree.h"
 
 #include <pps/pps.h>
 
-#include <cerrno>
 #include <cstring>
 #include <limits>
 #include <memory>
@@ -23,7 +23,10 @@ constexpr std::size_t MOST_LEVELS = PPS_MAX_DEPTH + 2; // the root and an object
 // What stands where no child is current.
 constexpr Node NONE = {NO_NAME, PPS_TYPE_NONE, 0, Number::Kind::Integer, {}};
 
-using Block = std::unique_ptr<std::byte[]>;
+struct GiveBack {
+    void operator()(std::byte *block) const { giveBlock(block); }
+};
+using Block = std::unique_ptr<std::byte, GiveBack>;
 
 // The head of the block that a decoder holds; the nodes follow it, and then the indices of the containers
 // that the walk is in, without the innermost.
@@ -95,12 +98,8 @@ pps_decoder_error_t getInteger(const pps_decoder_t *decoder, const char *name, I
 // Memory for a text's tree, or null, with errno as it was.
 Block makeBlock(std::size_t nodes)
 {
-    const int before = errno;
-    const std::size_t size =
-        sizeof(Walk) + nodes * sizeof(Node) + std::min(nodes, MOST_LEVELS) * sizeof(Offset);
-    Block block(new (std::nothrow) std::byte[size]);
-    errno = before;
-    return block;
+    return Block(
+        takeBlock(sizeof(Walk) + nodes * sizeof(Node) + std::min(nodes, MOST_LEVELS) * sizeof(Offset)));
 }
 
 } // namespace

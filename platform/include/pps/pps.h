@@ -54,7 +54,7 @@ enum pps_flags {
 
 /* What a node is. */
 typedef enum {
-    PPS_TYPE_NULL = 0,    /* json null */
+    PPS_TYPE_NULL = 0, /* json null */
     PPS_TYPE_BOOL = 1,
     PPS_TYPE_NUMBER = 2,
     PPS_TYPE_STRING = 3,
@@ -78,8 +78,8 @@ typedef enum {
 typedef enum {
     PPS_ENCODER_OK = 0,
     PPS_ENCODER_NO_MEMORY = 1,
-    PPS_ENCODER_BAD_NAME = 2,   /* a name that a text cannot carry at this place; see pps_encoder_add_null() */
-    PPS_ENCODER_BAD_VALUE = 3,  /* NaN, an infinity, or a string that is not UTF-8 */
+    PPS_ENCODER_BAD_NAME = 2,  /* a name that a text cannot carry at this place; see pps_encoder_add_null() */
+    PPS_ENCODER_BAD_VALUE = 3, /* NaN, an infinity, or a string that is not UTF-8 */
     PPS_ENCODER_BAD_NESTING = 4, /* an end without its start, or nesting beyond PPS_MAX_DEPTH */
     PPS_ENCODER_BAD_ARGUMENT = 5
 } pps_encoder_error_t;
@@ -131,10 +131,13 @@ PLATFORM_EXPORT bool pps_decoder_is_integer(pps_decoder_t *decoder, const char *
  * The integer readers take integers only and return PPS_DECODER_DOES_NOT_FIT for one beyond their range;
  * pps_decoder_get_double() takes every number. A string is NUL-terminated UTF-8 and lives as long as the text.
  */
-PLATFORM_EXPORT pps_decoder_error_t pps_decoder_get_bool(pps_decoder_t *decoder, const char *name, bool *value);
+PLATFORM_EXPORT pps_decoder_error_t pps_decoder_get_bool(pps_decoder_t *decoder, const char *name,
+                                                         bool *value);
 PLATFORM_EXPORT pps_decoder_error_t pps_decoder_get_int(pps_decoder_t *decoder, const char *name, int *value);
-PLATFORM_EXPORT pps_decoder_error_t pps_decoder_get_int64(pps_decoder_t *decoder, const char *name, int64_t *value);
-PLATFORM_EXPORT pps_decoder_error_t pps_decoder_get_double(pps_decoder_t *decoder, const char *name, double *value);
+PLATFORM_EXPORT pps_decoder_error_t pps_decoder_get_int64(pps_decoder_t *decoder, const char *name,
+                                                          int64_t *value);
+PLATFORM_EXPORT pps_decoder_error_t pps_decoder_get_double(pps_decoder_t *decoder, const char *name,
+                                                           double *value);
 PLATFORM_EXPORT pps_decoder_error_t pps_decoder_get_string(pps_decoder_t *decoder, const char *name,
                                                            const char **value);
 
@@ -161,11 +164,14 @@ PLATFORM_EXPORT void pps_encoder_cleanup(pps_encoder_t *encoder);
  * A failure leaves the text as it was before the call.
  */
 PLATFORM_EXPORT pps_encoder_error_t pps_encoder_add_null(pps_encoder_t *encoder, const char *name);
-PLATFORM_EXPORT pps_encoder_error_t pps_encoder_add_bool(pps_encoder_t *encoder, const char *name, bool value);
+PLATFORM_EXPORT pps_encoder_error_t pps_encoder_add_bool(pps_encoder_t *encoder, const char *name,
+                                                         bool value);
 PLATFORM_EXPORT pps_encoder_error_t pps_encoder_add_int(pps_encoder_t *encoder, const char *name, int value);
-PLATFORM_EXPORT pps_encoder_error_t pps_encoder_add_int64(pps_encoder_t *encoder, const char *name, int64_t value);
+PLATFORM_EXPORT pps_encoder_error_t pps_encoder_add_int64(pps_encoder_t *encoder, const char *name,
+                                                          int64_t value);
 /* Written so that it reads back as the same double, and as a double. */
-PLATFORM_EXPORT pps_encoder_error_t pps_encoder_add_double(pps_encoder_t *encoder, const char *name, double value);
+PLATFORM_EXPORT pps_encoder_error_t pps_encoder_add_double(pps_encoder_t *encoder, const char *name,
+                                                           double value);
 /* value is NUL-terminated UTF-8. */
 PLATFORM_EXPORT pps_encoder_error_t pps_encoder_add_string(pps_encoder_t *encoder, const char *name,
                                                            const char *value);

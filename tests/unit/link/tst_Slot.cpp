@@ -173,7 +173,8 @@ TEST(CallPage, carriesTextsAndAnswersBetweenThreads)
                 (void)::sched_yield();
             }
             device.answer(text == patterned(i, static_cast<std::size_t>(i)) ? static_cast<int>(descriptor)
-                                                                            : -1);
+                                                                            : -1,
+                          static_cast<std::size_t>(i % 4));
         }
     });
     for (int i = 0; i < 1000; ++i) {
