@@ -172,7 +172,7 @@ bool isReadable(Encoding encoding, std::string_view value)
     const auto nodes = std::make_unique_for_overwrite<Node[]>(capacity);
     TreeBuilder builder(nodes.get(), capacity);
     ValueReader reader(builder, text.data(), text.data() + text.size());
-    return reader.read(encoding, text.data(), text.data() + value.size(), NO_NAME);
+    return reader.read(encoding, text.data(), text.data() + value.size(), NO_NAME) && !reader.hasBigInteger();
 }
 
 } // namespace

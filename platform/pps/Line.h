@@ -37,7 +37,8 @@ struct Line {
 bool takeLine(std::string_view &text, Line &line);
 
 // Whether a value is one that its encoding can have (a number, "true" or "false", escapes, JSON within the nesting limit,
-// base 64 of UTF-8 text). UTF-8 of the line itself is not looked at.
+// base 64 of UTF-8 text), without an integer beyond 64 bits, which is a number but fits no reader of integers. UTF-8 of the
+// line itself is not looked at.
 bool isValid(Encoding encoding, std::string_view value);
 
 // Whether all of a text is UTF-8 without NUL.

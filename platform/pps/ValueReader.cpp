@@ -113,6 +113,7 @@ bool ValueReader::readNumber(Offset name)
     }
     Node &node = _builder.add(PPS_TYPE_NUMBER, name);
     node.numberKind = number.kind;
+    _hasBigInteger |= number.kind == Number::Kind::BigInteger;
     node.integer = number.integer; // or the double in its place
     _at += numberEnd - _at;
     return true;

@@ -18,6 +18,9 @@ public:
     // Adds one child to the open container. False, with anything in the tree, where the value is malformed.
     bool read(Encoding encoding, char *from, char *end, Offset name);
 
+    // Whether an integer was beyond 64 bits.
+    bool hasBigInteger() const { return _hasBigInteger; }
+
 private:
     Offset offsetOf(const char *at) const { return static_cast<Offset>(at - _text); }
     Node &addString(const char *string, Offset name);
@@ -39,6 +42,7 @@ private:
     const char *_end;
     char *_at = nullptr;
     int _depth = 0;
+    bool _hasBigInteger = false;
 };
 
 } // namespace kelp::pps

@@ -29,11 +29,28 @@ std::unique_ptr<char[]> copyOf(const std::string &text)
     return copy;
 }
 
-bool isDecoded(const std::string &text)
+// Whether an integer below the node that the walk is in is beyond 64 bits: it decodes, and the store does not take it.
+bool hasBigInteger(pps_decoder_t *decoder)
+{
+    bool found = false;
+    for (int i = 0; i < pps_decoder_length(decoder); ++i) {
+        std::int64_t value = 0;
+        check(pps_decoder_goto_index(decoder, i) == PPS_DECODER_OK);
+        found |= pps_decoder_get_int64(decoder, nullptr, &value) == PPS_DECODER_DOES_NOT_FIT;
+        if (pps_decoder_push(decoder, nullptr) == PPS_DECODER_OK) {
+            found |= hasBigInteger(decoder);
+            check(pps_decoder_pop(decoder) == PPS_DECODER_OK);
+        }
+    }
+    return found;
+}
+
+bool isDecoded(const std::string &text, bool &hasBig)
 {
     const auto copy = copyOf(text);
     pps_decoder_t decoder;
     const int error = pps_decoder_initialize(&decoder, copy.get());
+    hasBig = !error && hasBigInteger(&decoder);
     pps_decoder_cleanup(&decoder);
     check(error == PPS_DECODER_OK || error == PPS_DECODER_BAD_TEXT);
     return !error;
@@ -71,8 +88,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const std::string bytes(reinterpret_cast<const char *>(data), size);
     check(!isGoodInItsOwnMemory(bytes) || bytes.find('\0') == bytes.npos);
     const std::string text = bytes.c_str(); // up to the first NUL
-    const bool isText = isDecoded(text);
-    check(isText == isGoodInItsOwnMemory(text));
+    bool hasBig = false;
+    const bool isText = isDecoded(text, hasBig);
+    check((isText && !hasBig) == isGoodInItsOwnMemory(text));
     if (isText) {
         std::string tree;
         std::string again;

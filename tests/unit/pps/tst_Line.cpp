@@ -68,6 +68,10 @@ TEST(Line, hasAValueThatItsWholeTextMakes)
 {
     EXPECT_TRUE(isValid(Encoding::Number, std::string_view("12x", 2)));
     EXPECT_FALSE(isValid(Encoding::Number, "12x"));
+    EXPECT_TRUE(isValid(Encoding::Number, "-9223372036854775808"));
+    EXPECT_FALSE(isValid(Encoding::Number, "9223372036854775808"));
+    EXPECT_FALSE(isValid(Encoding::Json, "[{\"a\":-9223372036854775809}]"));
+    EXPECT_TRUE(isValid(Encoding::Number, "9223372036854775808.0"));
     EXPECT_FALSE(isValid(Encoding::Number, std::string_view("1\n", 2)));
     EXPECT_TRUE(isValid(Encoding::Json, std::string_view("[]]", 2)));
     EXPECT_FALSE(isValid(Encoding::Json, "[\n]"));
