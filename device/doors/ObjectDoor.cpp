@@ -84,15 +84,16 @@ Outcome ObjectDoor::open(ProcessId client, const ucred &who, const link::OpenObj
     const Store::OpenFlags flags = openFlags(request);
     OpenDescriptor descriptor;
     link::Passed shared;
-    if (const int error =
-            makeShared(flags.subscribe, flags.publish, _store.limits().objectBytes, descriptor, shared)) {
-        return {error, {}};
-    }
     if (const int error = _store.open(request.path, flags, {who.uid, who.gid}, descriptor.id)) {
         return {error, {}};
     }
     const DescriptorId id = descriptor.id;
     descriptor.client = client;
+    if (const int error =
+            makeShared(flags.subscribe, flags.publish, _store.limits().objectBytes, descriptor, shared)) {
+        _store.close(id);
+        return {error, {}};
+    }
     try {
         descriptor.watch = _loop.watch(descriptor.wakeEnd.get());
         descriptor.watch.onHangUp([this, id] { close(id); });
@@ -147,9 +148,6 @@ Outcome ObjectDoor::call(const ucred &who, const link::PathCall &call)
 Outcome ObjectDoor::openCalls(ProcessId client, link::Passed &passed)
 {
     Client &caller = _clients[client];
-    if (caller.doorbell) {
-        return {EALREADY, {}};
-    }
     link::SharedMemory memory;
     link::UniqueFd file;
     const std::size_t size = link::CallPage::sizeFor(_store.limits().objectBytes);
@@ -162,11 +160,11 @@ Outcome ObjectDoor::openCalls(ProcessId client, link::Passed &passed)
         return {errno, {}};
     }
     try {
-        caller.watch = _loop.watch(doorbell.get());
+        caller.watch = _loop.watch(doorbell.get()); // in place of one that the client could not take
+        caller.watch.onDoorbell([this, client] { onDoorbell(client); });
     } catch (const std::system_error &error) {
         return {error.code().value(), {}};
     }
-    caller.watch.onDoorbell([this, client] { onDoorbell(client); });
     caller.doorbell = std::move(doorbell);
     caller.calls = link::CallPage(std::move(memory));
     passed.push_back(std::move(file));
@@ -189,7 +187,7 @@ void ObjectDoor::flush()
 {
     for (const DescriptorId due : _store.takeDue()) {
         const auto found = _descriptors.find(due);
-        if (found != _descriptors.end() && found->second.slot && push(found->second)) {
+        if (found != _descriptors.end() && found->second.slot && refresh(found->second)) {
             _toWake.push_back(&found->second);
         }
     }
@@ -204,6 +202,17 @@ void ObjectDoor::flush()
     }
     _answers.clear();
     _toWake.clear();
+}
+
+// As push(); but a long text that nobody has read is made anew only when its reader comes for it: however many of them
+// there are, and however slow, they cost a publisher next to nothing.
+bool ObjectDoor::refresh(OpenDescriptor &descriptor)
+{
+    constexpr std::size_t SHORT_TEXT = 1024;
+    if (descriptor.slot->lastSize() > SHORT_TEXT && descriptor.slot->makeStale()) {
+        return false;
+    }
+    return push(descriptor);
 }
 
 // Puts into the slot what a read gives now, in the place of what nobody has read. Returns whether the reader is to be

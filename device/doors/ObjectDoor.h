@@ -63,6 +63,7 @@ private:
     Outcome openCalls(ProcessId client, link::Passed &passed);
     void onDoorbell(ProcessId client);
     bool push(OpenDescriptor &descriptor);
+    bool refresh(OpenDescriptor &descriptor);
     void close(DescriptorId id);
     void trace(pid_t pid, const std::string &what, int error) const;
 

@@ -74,8 +74,9 @@ struct Command {
     bool operator==(const Command &) const = default;
 };
 
-// Opens an object of the publish/subscribe service. The reply's text is the descriptor's number on the device; with it
-// come the shared memory of its Slot (subscribers only) and the client's end of what wakes it.
+// Opens an object of the publish/subscribe service. The reply's text is three numbers: the descriptor's on the device, the
+// largest object in bytes, and 1 for the option "wait" or 0. With it come the client's end of what wakes it and, for a
+// subscriber, the shared memory of its Slot.
 struct OpenObject {
     static constexpr std::uint32_t SUBSCRIBE = 1;
     static constexpr std::uint32_t PUBLISH = 2;
@@ -93,8 +94,7 @@ struct OpenObject {
 struct DescriptorCall {
     enum class Kind : std::uint32_t {
         Close = 1,
-        Taken =
-            2, // the reader has taken a text with more behind it: the reply comes once that is there to be taken
+        Refill = 2, // the reader wants what there is now: more behind a text, or a newer one for a stale one
     };
     Kind kind = Kind::Close;
     std::uint32_t descriptor = 0;

@@ -64,15 +64,27 @@ char *SlotMemory::storage(std::uint32_t index, std::size_t size) const
 
 bool SlotWriter::withhold()
 {
+    return mark(SlotMemory::WITHHELD);
+}
+
+bool SlotWriter::makeStale()
+{
+    return mark(SlotMemory::STALE);
+}
+
+// Marks the text that lies there, unless the reader takes it first.
+bool SlotWriter::mark(std::uint32_t mark)
+{
     std::uint32_t present = _memory.between().load(std::memory_order_acquire);
-    return (present & SlotMemory::FRESH) &&
-           _memory.between().compare_exchange_strong(
-               present, (present & SlotMemory::INDEX) | SlotMemory::WITHHELD, std::memory_order_acq_rel);
+    return (present & (SlotMemory::FRESH | SlotMemory::STALE)) &&
+           _memory.between().compare_exchange_strong(present, (present & SlotMemory::INDEX) | mark,
+                                                     std::memory_order_acq_rel);
 }
 
 void SlotWriter::put(std::string_view text, bool more)
 {
     const std::size_t size = std::min(text.size(), _memory.textBytes());
+    _lastSize = size;
     _memory.buffer(_own) = {static_cast<std::uint32_t>(size), more};
     std::memcpy(_memory.storage(_own, size), text.data(), size);
     const std::uint32_t before =
@@ -85,6 +97,9 @@ SlotReader::Result SlotReader::take(std::string_view &text, bool &more)
     std::uint32_t present = _memory.between().load(std::memory_order_acquire);
     if (present & SlotMemory::WITHHELD) {
         return Result::Withheld;
+    }
+    if (present & SlotMemory::STALE) {
+        return Result::Stale;
     }
     if (!(present & SlotMemory::FRESH)) {
         return Result::Nothing;

@@ -3,7 +3,8 @@
 // the writer fills one, the reader reads one, and the third lies between them. Putting and taking exchange the one in
 // between, so that neither ever waits for the other's copying, and no text is ever torn.
 //
-// The writer can withhold what nobody has taken yet, to put something newer in its place.
+// The writer can withhold what nobody has taken yet, to put something newer in its place; or only declare it stale, which
+// costs next to nothing, and put something newer when the reader asks for it.
 //
 // Nothing here wakes a reader: that is done by a byte on a descriptor, one for each text that is put while none is there.
 #pragma once
@@ -39,6 +40,7 @@ public:
     static constexpr std::uint32_t INDEX = 3;
     static constexpr std::uint32_t FRESH = 4;    // nobody has taken it
     static constexpr std::uint32_t WITHHELD = 8; // the writer is about to replace it
+    static constexpr std::uint32_t STALE = 16;   // the writer replaces it when it is asked to
 
 private:
     SharedMemory _memory;
@@ -53,12 +55,21 @@ public:
     // Until the next put() the reader waits: it must follow at once.
     bool withhold();
 
+    // Declares the text that lies there stale. False: there is none.
+    bool makeStale();
+
+    // The length of the last text.
+    std::size_t lastSize() const { return _lastSize; }
+
     // Puts a text of at most textBytes, which it cuts otherwise. Only where nothing lies, or what does is withheld.
     void put(std::string_view text, bool more);
 
 private:
+    bool mark(std::uint32_t mark);
+
     SlotMemory _memory;
     std::uint32_t _own = 0; // the buffer to fill next
+    std::size_t _lastSize = 0;
 };
 
 class SlotReader
@@ -70,6 +81,7 @@ public:
         Taken,
         Nothing,
         Withheld, // try again at once
+        Stale,    // ask the writer for a newer one, then try again
     };
     // Takes the text; it stays as it is until the next take().
     Result take(std::string_view &text, bool &more);

@@ -41,7 +41,8 @@ int sendMessage(int socket, std::string_view bytes, std::span<const int> passed 
 
 // Receives one message of at most size bytes into buffer. flags as for recvmsg(2).
 // Returns 0 and sets length (0: the other end has closed) and passed (those beyond MAX_PASSED are closed). Otherwise the
-// errno of recvmsg(2), or EMSGSIZE for a message that does not fit, which is then lost.
+// errno of recvmsg(2), or EMSGSIZE for a message that does not fit, which is then lost. Where no descriptor is free, those
+// that came with the message are missing.
 int receiveMessage(int socket, char *buffer, std::size_t size, std::size_t &length, Passed &passed,
                    int flags = 0);
 

@@ -130,7 +130,7 @@ int DeviceConnection::openCalls()
     }
     link::SharedMemory memory;
     if (passed.size() != 2) {
-        return lost(EPROTO);
+        return EMFILE; // there was no room for them
     }
     if (const int error = link::SharedMemory::map(passed[0], link::CallPage::sizeFor(0), memory)) {
         return error;

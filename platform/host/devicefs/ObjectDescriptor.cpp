@@ -3,7 +3,7 @@
 
 #include "ObjectDescriptor.h"
 
-#include "WholeLines.h"
+#include "WholeObjects.h"
 
 #include <cerrno>
 
@@ -31,22 +31,13 @@ int ObjectDescriptor::read(std::span<char> buffer, std::size_t &length)
     if ((_flags & O_ACCMODE) == O_WRONLY || _isDisowned) {
         return EBADF;
     }
-    for (;;) {
-        const int error = tryRead(buffer, length);
-        if (error != EAGAIN) {
-            return error;
-        }
-        if (!_terms.waits) {
-            length = 0;
-            return 0;
-        }
-        if (_flags & O_NONBLOCK) {
-            return EAGAIN;
-        }
-        if (const int interrupted = awaitReadable()) {
-            return interrupted;
-        }
+    std::unique_lock lock(_mutex);
+    ++_readers;
+    const int error = readOrWait(lock, buffer, length);
+    if (--_readers == 0) {
+        _allLeft.notify_all();
     }
+    return error;
 }
 
 int ObjectDescriptor::write(std::string_view text)
@@ -59,80 +50,139 @@ int ObjectDescriptor::write(std::string_view text)
 
 link::UniqueFd ObjectDescriptor::end()
 {
-    if (!_isDisowned) {
-        DeviceConnection::Answer none;
-        const link::DescriptorCall close{link::DescriptorCall::Kind::Close, _terms.number};
-        // A device that has gone has closed it.
-        (void)DeviceConnection::instance().ask(close, none, {}, _terms.generation);
+    if (_isDisowned) {
+        return std::move(_wake);
     }
+    _isEnded = true;
+    DeviceConnection::Answer none;
+    const link::DescriptorCall close{link::DescriptorCall::Kind::Close, _terms.number};
+    // A device that has gone has closed it. The other end's hang-up wakes whoever waits.
+    (void)DeviceConnection::instance().ask(close, none, {}, _terms.generation);
+    std::unique_lock lock(_mutex);
+    _allLeft.wait(lock, [this] { return _readers == 0; });
     return std::move(_wake);
 }
 
-// EAGAIN where there is nothing to read.
-int ObjectDescriptor::tryRead(std::span<char> buffer, std::size_t &length)
+int ObjectDescriptor::readOrWait(std::unique_lock<std::mutex> &lock, std::span<char> buffer,
+                                 std::size_t &length)
 {
-    const std::lock_guard lock(_mutex);
-    Byte byte = Byte::None;
+    while (!_isEnded) {
+        const int error = readOnce(buffer, length);
+        if (error != EAGAIN || _isEnded) {
+            return _isEnded ? EBADF : error;
+        }
+        if (!_terms.waits) {
+            length = 0;
+            return 0;
+        }
+        if (_flags & O_NONBLOCK) {
+            return EAGAIN;
+        }
+        lock.unlock();
+        const int interrupted = awaitReadable();
+        lock.lock();
+        if (interrupted) {
+            return interrupted;
+        }
+    }
+    return EBADF;
+}
+
+// EAGAIN where there is nothing to read. Caller holds _mutex, here and below.
+int ObjectDescriptor::readOnce(std::span<char> buffer, std::size_t &length)
+{
     if (_text.empty()) {
-        if (const int error = takeText(byte)) {
+        if (const int error = takeText()) {
             return error;
         }
     }
-    if (const int error = deliver(buffer, length)) {
-        return error;
-    }
-    // The device puts the text first and the byte after it.
-    while (byte == Byte::None && (byte = takeByte()) == Byte::None) {
-        (void)awaitReadable(); // interrupted or not: the byte is on its way
-    }
-    if (!_more) {
-        return 0;
-    }
-    DeviceConnection::Answer none;
-    const link::DescriptorCall taken{link::DescriptorCall::Kind::Taken, _terms.number};
-    // The text is the reader's already; that the device has gone shows at the next read.
-    (void)DeviceConnection::instance().ask(taken, none, {}, _terms.generation);
-    return 0;
-}
-
-// Takes the slot's text, and says what became of the byte on the way. Caller holds _mutex.
-int ObjectDescriptor::takeText(Byte &byte)
-{
-    for (;;) {
-        switch (_slot->take(_text, _more)) {
-        case link::SlotReader::Result::Taken:
-            return 0;
-        case link::SlotReader::Result::Nothing:
-            if (byte == Byte::Taken) {
-                return ECONNRESET; // a byte without a text
-            }
-            byte = takeByte();
-            if (byte != Byte::Taken) {
-                return byte == Byte::Ended ? ECONNRESET : EAGAIN;
-            }
-            break;
-        case link::SlotReader::Result::Withheld: {
-            // The device is about to put something newer, unless it has died over it.
-            pollfd device{_wake.get(), 0, 0};
-            if (::poll(&device, 1, 0) > 0) {
-                return ECONNRESET;
-            }
-            (void)::sched_yield(); // cannot fail here
-            break;
-        }
-        }
-    }
-}
-
-// Caller holds _mutex.
-int ObjectDescriptor::deliver(std::span<char> buffer, std::size_t &length)
-{
-    length = copyWholeLines(_text, buffer);
+    length = takeWholeObjects(_text, buffer);
     if (length == 0) {
         return EINVAL;
     }
-    _text = {};
+    return _text.empty() ? finishText() : 0;
+}
+
+// Takes a text that is not empty: in the place of one that nobody has read, the device can put that there is none.
+int ObjectDescriptor::takeText()
+{
+    for (;;) {
+        int error = 0;
+        switch (_slot->take(_text, _more)) {
+        case link::SlotReader::Result::Taken:
+            error = _text.empty() ? finishText() : 0;
+            if (error || !_text.empty()) {
+                return error;
+            }
+            break;
+        case link::SlotReader::Result::Nothing:
+            error = takeTextByByte();
+            break;
+        case link::SlotReader::Result::Withheld:
+            error = awaitReplacement();
+            break;
+        case link::SlotReader::Result::Stale:
+            error = askForRefill();
+            break;
+        }
+        if (error) {
+            return error;
+        }
+    }
+}
+
+// Nothing lies there: perhaps it has come since, perhaps the device has gone. The byte comes after the text.
+int ObjectDescriptor::takeTextByByte()
+{
+    if (_hasByte) {
+        return ECONNRESET; // a byte without a text
+    }
+    switch (takeByte()) {
+    case Byte::Taken:
+        _hasByte = true;
+        return 0;
+    case Byte::None:
+        return EAGAIN;
+    case Byte::Ended:
+        break;
+    }
+    return ECONNRESET;
+}
+
+// The device is about to put something newer, unless it has died over it.
+int ObjectDescriptor::awaitReplacement()
+{
+    pollfd device{_wake.get(), 0, 0};
+    if (::poll(&device, 1, 0) > 0) {
+        return ECONNRESET;
+    }
+    (void)::sched_yield(); // cannot fail here
     return 0;
+}
+
+// The text is the reader's: takes its byte, which the device writes after it has put the text, and has the next one put
+// if there is more, so that the descriptor is readable when the read returns.
+int ObjectDescriptor::finishText()
+{
+    while (!_hasByte) {
+        const Byte byte = takeByte();
+        if (byte == Byte::None) {
+            (void)awaitReadable(); // interrupted or not: the byte is on its way
+        }
+        _hasByte = byte != Byte::None;
+    }
+    _hasByte = false;
+    if (_more) {
+        (void)askForRefill(); // that the device has gone shows at the next read
+    }
+    return 0;
+}
+
+int ObjectDescriptor::askForRefill()
+{
+    DeviceConnection::Answer none;
+    const link::DescriptorCall refill{link::DescriptorCall::Kind::Refill, _terms.number};
+    return DeviceConnection::instance().ask(refill, none, {}, _terms.generation) == 0 ? 0 : ECONNRESET;
 }
 
 ObjectDescriptor::Byte ObjectDescriptor::takeByte()
@@ -148,10 +198,16 @@ ObjectDescriptor::Byte ObjectDescriptor::takeByte()
     return taken < 0 && errno == EAGAIN ? Byte::None : Byte::Ended;
 }
 
+// Looks up now and then, for a device that hangs does not hang up.
 int ObjectDescriptor::awaitReadable()
 {
+    constexpr int LOOK_UP_MS = 1000;
     pollfd descriptor{_wake.get(), POLLIN, 0};
-    return ::poll(&descriptor, 1, -1) < 0 ? errno : 0;
+    int ready = 0;
+    while (ready == 0 && !_isEnded) {
+        ready = ::poll(&descriptor, 1, LOOK_UP_MS);
+    }
+    return ready < 0 ? errno : 0;
 }
 
 } // namespace kelp::platform

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // One open publish/subscribe object of this process. What there is to read lies in a slot that the device fills; the
-// descriptor is the reading end of a pipe or of a socket pair with one byte in it while the slot has something, and ends
-// when the device does.
+// descriptor is the reading end of a pipe or of a socket pair with one byte in it while the slot has something, and hangs
+// up when the device does, or when the object is closed there.
 #pragma once
 
 #include "platform/host/connection/DeviceConnection.h"
@@ -9,6 +9,7 @@
 #include "platform/link/UniqueFd.h"
 
 #include <atomic>
+#include <condition_variable>
 #include <cstdint>
 #include <mutex>
 #include <optional>
@@ -45,27 +46,35 @@ public:
     // In the child of a fork(): from now on nothing works but end().
     void disown() { _isDisowned = true; }
 
-    // Closes it on the device and hands the descriptor over, to be closed.
+    // Closes it on the device, waits until no thread reads any more, and hands the descriptor over, to be closed.
     link::UniqueFd end();
 
 private:
     enum class Byte { Taken, None, Ended };
 
-    int tryRead(std::span<char> buffer, std::size_t &length);
-    int takeText(Byte &byte);
-    int deliver(std::span<char> buffer, std::size_t &length);
+    int readOrWait(std::unique_lock<std::mutex> &lock, std::span<char> buffer, std::size_t &length);
+    int readOnce(std::span<char> buffer, std::size_t &length);
+    int takeText();
+    int takeTextByByte();
+    int awaitReplacement();
+    int finishText();
+    int askForRefill();
     Byte takeByte();
     int awaitReadable();
 
-    link::UniqueFd _wake;
+    link::UniqueFd _wake; // does not change while somebody reads
     const Terms _terms;
     std::atomic<int> _flags;
     std::atomic<bool> _isDisowned = false;
+    std::atomic<bool> _isEnded = false;
 
-    std::mutex _mutex; // guards the rest
+    std::mutex _mutex;                // guards the rest
+    std::condition_variable _allLeft; // _readers has become 0
+    int _readers = 0;                 // threads in read()
     std::optional<link::SlotReader> _slot;
     std::string_view _text; // taken from the slot and not yet handed over
     bool _more = false;     // the device has more behind _text
+    bool _hasByte = false;  // the byte of _text, or of the text to take next, has been taken
 };
 
 } // namespace kelp::platform

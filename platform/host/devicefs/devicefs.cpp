@@ -11,7 +11,7 @@
 #include <cerrno>
 
 #include <fcntl.h>
-#include <sys/eventfd.h>
+#include <sys/epoll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -34,10 +34,10 @@ int errnoOf(long result)
     return result < 0 ? errno : 0;
 }
 
-// Puts a descriptor that is never ready in the place of what is open under a number.
+// Puts a descriptor that is never ready, and that nobody can read, in the place of what is open under a number.
 int replaceByInert(int fd)
 {
-    const link::UniqueFd inert(::eventfd(0, EFD_CLOEXEC));
+    const link::UniqueFd inert(::epoll_create1(EPOLL_CLOEXEC));
     if (!inert || ::dup3(inert.get(), fd, O_CLOEXEC) < 0) {
         return errno;
     }
@@ -78,10 +78,13 @@ int devicefs_detach(int fd)
         if (::fcntl(fd, F_GETFD) < 0) {
             return EBADF;
         }
+        if (const int error = replaceByInert(fd)) {
+            return error;
+        }
         if (const auto object = DescriptorTable::instance().take(fd)) {
             (void)object->end().release(); // the number stays open
         }
-        return replaceByInert(fd);
+        return 0;
     });
 }
 
@@ -127,6 +130,8 @@ int devicefs_fcntl(int fd, int command, int argument)
         } else if (object && command == F_SETFL) {
             object->setFlags(argument);
             value = 0;
+        } else if (object && (command == F_DUPFD || command == F_DUPFD_CLOEXEC)) {
+            return EINVAL;
         } else {
             value = ::fcntl(fd, command, argument);
         }

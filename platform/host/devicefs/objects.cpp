@@ -75,8 +75,11 @@ int makeDescriptor(DeviceConnection::Answer &answer, int flags, int &fd)
 {
     ObjectDescriptor::Terms terms;
     const bool subscribes = (flags & O_ACCMODE) != O_WRONLY;
-    if (answer.passed.size() != (subscribes ? 2U : 1U) || !readTerms(answer, terms)) {
+    if (!readTerms(answer, terms)) {
         return EPROTO;
+    }
+    if (answer.passed.size() != (subscribes ? 2U : 1U)) {
+        return EMFILE; // there was no room for them; with them gone, the device closes what it has opened
     }
     std::optional<link::SlotReader> slot;
     if (subscribes) {

@@ -12,9 +12,10 @@
  *     devicefs_close(fd);
  *
  * Descriptors are real ones: poll, select and epoll work on them. One that is open for reading is readable exactly
- * while a read would give data (or fail because the device has gone). Use the functions here with them and no others:
- * what read(2) would find in a descriptor of an object is not the object. They are closed at exec, and in the child of a
- * fork() good for devicefs_close() only.
+ * while a read would give data (or fail because the device has gone); only where news has been taken back, as of an object
+ * that was created and deleted again, can a readable one give 0 bytes. Use the functions here with them and no others: what
+ * read(2) would find in a descriptor of an object is not the object. They cannot be duplicated, are closed at exec, and in
+ * the child of a fork() are good for devicefs_close() only.
  *
  * Options stand behind a '?' at the end of an object's path, joined by commas:
  *   delta      after the first read, which gives the whole object, reads give only what has changed,
@@ -31,7 +32,8 @@
  * Errors: -1 with the cause in errno. For objects, besides what is said at each function:
  *   ENOTCONN    no device runs where KELP_DEVICE points, or KELP_DEVICE is not set: start one, or set it,
  *   ECONNRESET  the device that the descriptor belongs to has gone,
- *   ETIMEDOUT   the device did not answer within ten seconds,
+ *   ETIMEDOUT   the device did not answer within ten seconds; whether it did what it was asked is not known, and the
+ *               connection is given up: every descriptor that the process had open then fails with ECONNRESET,
  *   EACCES      the device belongs to another user, or the object's permissions do not allow it,
  *   EPROTO      the device speaks another version of the protocol,
  *   EMFILE, ENFILE, ENOMEM  no descriptor or memory is left, here or in the device.
@@ -61,7 +63,8 @@ PLATFORM_BEGIN_DECLS
  *   EINVAL        an unknown option, or one that does not go with the access; a name that an object cannot have,
  *   EBUSY         the object is open elsewhere, and the option server; or it has a server already,
  *   ENAMETOOLONG  a part of the path is longer than 255 bytes, or all of it than 1023,
- *   ENOSPC        the device has as many objects as it may have.
+ *   ENOSPC        the device has as many objects as it may have,
+ *   EMFILE        also: the process has as many objects open as it may have (1024 unless the device is told otherwise).
  */
 PLATFORM_EXPORT int devicefs_open(const char *path, int flags, mode_t mode);
 
@@ -77,9 +80,12 @@ PLATFORM_EXPORT int devicefs_detach(int fd);
 /*
  * Reads at most size bytes. For an object, the first read gives the whole object, each later one the whole object (with
  * the option delta: what has changed) if anything has changed since the last; else 0 bytes. What was created, deleted
- * or truncated since the last read carries its flag. Where the buffer is too small, as many whole lines as fit are
- * given, with the incomplete flag at the object's name.
+ * or truncated since the last read carries its flag. Where the buffer is too small for an object, as many whole lines as
+ * fit are given, with the incomplete flag at the object's name; of several objects, those that fit, and the next read gives
+ * the others. After its last "-@name", a deleted object has no news: a read with the option wait then waits until the
+ * descriptor is closed.
  *   EAGAIN  with the option wait, on a non-blocking descriptor: nothing has changed,
+ *   EINTR   with the option wait: a signal was caught while it waited,
  *   EBADF   the descriptor is not open for reading,
  *   EINVAL  the buffer cannot take the name line.
  */
@@ -97,7 +103,7 @@ PLATFORM_EXPORT ssize_t devicefs_read(int fd, void *buffer, size_t size);
  */
 PLATFORM_EXPORT ssize_t devicefs_write(int fd, const void *data, size_t size);
 
-/* F_GETFL and F_SETFL (argument: the flags), as fcntl(2). Other commands take the path of the host's descriptors. */
+/* F_GETFL and F_SETFL (argument: the flags), as fcntl(2). Others are the host's; EINVAL: a duplicate of an object. */
 PLATFORM_EXPORT int devicefs_fcntl(int fd, int command, int argument);
 
 /* As fpathconf(3), and DEVICEFS_PC_OBJECT_MAX for descriptors of objects (65536 unless the device is told otherwise). */

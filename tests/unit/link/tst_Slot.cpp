@@ -47,6 +47,8 @@ struct Slot {
             return "nothing";
         case SlotReader::Result::Withheld:
             return "withheld";
+        case SlotReader::Result::Stale:
+            return "stale";
         }
         return {};
     }
@@ -83,6 +85,14 @@ TEST(Slot, textsAreTakenOnceAndReplacedWhileNobodyHasTakenThem)
         EXPECT_EQ(slot.take(), patterned(2, size));
         EXPECT_FALSE(slot.more);
         EXPECT_FALSE(slot.writer->withhold());
+
+        EXPECT_FALSE(slot.writer->makeStale());
+        slot.writer->put("old", false);
+        EXPECT_TRUE(slot.writer->makeStale());
+        EXPECT_EQ(slot.take(), "stale");
+        EXPECT_TRUE(slot.writer->withhold());
+        slot.writer->put("new", false);
+        EXPECT_EQ(slot.take(), "new");
     }
 }
 
