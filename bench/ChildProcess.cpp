@@ -5,24 +5,43 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
 #include <system_error>
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 namespace kelp::bench {
 
+namespace {
+
+// Returns the exit code.
+int runInChild(const std::string &name, pid_t parent, const std::function<void()> &work)
+{
+    (void)::prctl(PR_SET_PDEATHSIG, SIGTERM); // cannot fail
+    if (::getppid() != parent) {
+        return 1; // it has ended already
+    }
+    try {
+        work();
+        return 0;
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "%s: %s\n", name.c_str(), error.what());
+        return 1;
+    }
+}
+
+} // namespace
+
 ChildProcess::ChildProcess(std::vector<std::string> command) : _name(command[0])
 {
-    int ends[2];
-    if (::pipe2(ends, O_CLOEXEC) != 0) {
-        throw std::system_error(errno, std::generic_category(), "pipe2");
-    }
-    _output.reset(ends[0]);
-    const link::UniqueFd itsOutput(ends[1]);
+    const link::UniqueFd itsOutput = openOutput();
     std::vector<char *> arguments;
     for (std::string &argument : command) {
         arguments.push_back(argument.data());
@@ -38,12 +57,37 @@ ChildProcess::ChildProcess(std::vector<std::string> command) : _name(command[0])
     }
 }
 
+ChildProcess::ChildProcess(std::string name, const std::function<void(int)> &work) : _name(std::move(name))
+{
+    const link::UniqueFd itsOutput = openOutput();
+    const pid_t parent = ::getpid();
+    _pid = ::fork();
+    if (_pid < 0) {
+        throw std::system_error(errno, std::generic_category(), "cannot start " + _name);
+    }
+    if (_pid == 0) {
+        _output.reset();
+        std::_Exit(runInChild(_name, parent, [&] { work(itsOutput.get()); }));
+    }
+}
+
 ChildProcess::~ChildProcess()
 {
     if (_pid) {
         (void)::kill(_pid, SIGTERM); // cannot fail: it has not been waited for
         (void)::waitpid(_pid, nullptr, 0);
     }
+}
+
+// Makes the pipe, and returns the child's end.
+link::UniqueFd ChildProcess::openOutput()
+{
+    int ends[2];
+    if (::pipe2(ends, O_CLOEXEC) != 0) {
+        throw std::system_error(errno, std::generic_category(), "pipe2");
+    }
+    _output.reset(ends[0]);
+    return link::UniqueFd(ends[1]);
 }
 
 void ChildProcess::read(void *bytes, std::size_t size)
@@ -57,6 +101,15 @@ void ChildProcess::read(void *bytes, std::size_t size)
         next += got;
         size -= static_cast<std::size_t>(got);
     }
+}
+
+std::string ChildProcess::readLine()
+{
+    std::string line;
+    for (char next = 0; next != '\n'; line += next) {
+        read(&next, 1);
+    }
+    return line.substr(0, line.size() - 1);
 }
 
 void ChildProcess::finish()

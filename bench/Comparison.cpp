@@ -36,27 +36,68 @@ double Samples::percentile(double percent) const
 
 Samples &Comparison::add(const std::string &name, Target target)
 {
-    return _rows.emplace_back(Row{name, target, {}}).samples;
+    return _rows.emplace_back(Row{name, target, {}, false}).samples;
 }
 
 Samples &Comparison::addPeer(const std::string &name)
 {
     Samples &samples = add(name);
-    _peer = &_rows.back();
+    _rows.back().isPeer = true;
     return samples;
+}
+
+void Comparison::atMost(const std::string &row, double ratio, const std::string &other)
+{
+    _bounds.push_back({row, false, ratio, other});
+}
+
+void Comparison::atLeast(const std::string &row, double ratio, const std::string &other)
+{
+    _bounds.push_back({row, true, ratio, other});
+}
+
+double Comparison::medianOf(const std::string &row) const
+{
+    const auto found =
+        std::find_if(_rows.begin(), _rows.end(), [&](const Row &each) { return each.name == row; });
+    return found->median();
+}
+
+double Comparison::peerMedian() const
+{
+    double least = 0;
+    for (const Row &row : _rows) {
+        if (row.isPeer && (least == 0 || row.median() < least)) {
+            least = row.median();
+        }
+    }
+    return least;
+}
+
+std::string Comparison::verdicts(const Row &row) const
+{
+    std::string text = verdict(row.median(), row.target.value, ' ' + _unit) +
+                       verdict(row.median() / peerMedian(), row.target.ratio, "");
+    for (const Bound &bound : _bounds) {
+        if (bound.row == row.name) {
+            const double ratio = row.median() / medianOf(bound.other);
+            const bool isReached = bound.isLeast ? ratio >= bound.ratio : ratio <= bound.ratio;
+            text += (text.empty() ? "" : "; ") + digits(ratio) + " of " + bound.other + ", " +
+                    (bound.isLeast ? "at least " : "at most ") + digits(bound.ratio) +
+                    (isReached ? ": reached" : ": **missed**");
+        }
+    }
+    return text;
 }
 
 void Comparison::print() const
 {
-    const double peer = _peer->samples.percentile(50);
+    const double peer = peerMedian();
     for (const Row &row : _rows) {
-        const double median = row.samples.percentile(50);
-        const std::string target =
-            verdict(median, row.target.value, ' ' + _unit) + verdict(median / peer, row.target.ratio, "");
         std::printf("| %s: %s | %s %s | %s | %s | %s | %s | %s |\n", _title.c_str(), row.name.c_str(),
-                    digits(median).c_str(), _unit.c_str(), digits(row.samples.percentile(10)).c_str(),
+                    digits(row.median()).c_str(), _unit.c_str(), digits(row.samples.percentile(10)).c_str(),
                     digits(row.samples.percentile(90)).c_str(), digits(row.samples.percentile(99)).c_str(),
-                    digits(median / peer).c_str(), target.c_str());
+                    digits(row.median() / peer).c_str(), verdicts(row).c_str());
     }
     std::fflush(stdout);
 }

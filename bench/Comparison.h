@@ -33,8 +33,12 @@ public:
     // Something measured; the samples are to be filled before print().
     Samples &add(const std::string &name, Target target = {});
 
-    // What the others are compared to.
+    // What the others are compared to: of several, the one with the least median.
     Samples &addPeer(const std::string &name);
+
+    // What the median of a row should be, as a ratio to that of another one.
+    void atMost(const std::string &row, double ratio, const std::string &other);
+    void atLeast(const std::string &row, double ratio, const std::string &other);
 
     void print() const;
 
@@ -43,12 +47,24 @@ private:
         std::string name;
         Target target;
         Samples samples;
+        bool isPeer = false;
+        double median() const { return samples.percentile(50); }
     };
+    struct Bound {
+        std::string row;
+        bool isLeast; // else most
+        double ratio;
+        std::string other;
+    };
+
+    double medianOf(const std::string &row) const;
+    double peerMedian() const;
+    std::string verdicts(const Row &row) const;
 
     std::string _title;
     std::string _unit;
     std::deque<Row> _rows; // which stay where they are while it grows
-    const Row *_peer = nullptr;
+    std::vector<Bound> _bounds;
 };
 
 } // namespace kelp::bench

@@ -13,6 +13,7 @@
 //     kelp-device run -- delivery [EVENTS]                 on any CPU, to compare
 
 #include "Comparison.h"
+#include "Placement.h"
 #include "roads/Road.h"
 
 #include <algorithm>
@@ -20,8 +21,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
-
-#include <sched.h>
 
 using namespace kelp::bench;
 
@@ -51,18 +50,10 @@ void drive(Road &road, int events, Samples &samples)
     }
 }
 
-// And with this process all that it starts, and its device.
-bool isOnOneCpu()
-{
-    cpu_set_t cpus;
-    return ::sched_getaffinity(0, sizeof cpus, &cpus) == 0 && CPU_COUNT(&cpus) == 1;
-}
-
 void compareRoads(int events)
 {
-    const bool isPinned = isOnOneCpu();
-    const Target target{isPinned ? 0.5 : 0, 0};
-    Comparison comparison(isPinned ? "delivery, one CPU" : "delivery, any CPU", "us");
+    const Target target{isOnOneCpu() ? 0.5 : 0, 0};
+    Comparison comparison("delivery, " + placement(), "us");
     const struct {
         std::unique_ptr<Road> road;
         Samples &samples;

@@ -16,7 +16,7 @@ class BusRoad : public Road
 public:
     BusRoad()
     {
-        const std::string address = readAddress();
+        const std::string address = _daemon.readLine(); // once it listens
         sd_bus *bus = nullptr;
         check(sd_bus_new(&bus));
         _bus.reset(bus);
@@ -44,16 +44,6 @@ private:
         if (result < 0) {
             throw std::system_error(-result, std::generic_category(), "sd-bus");
         }
-    }
-
-    // The line that the daemon prints once it listens.
-    std::string readAddress()
-    {
-        std::string line;
-        for (char next = 0; next != '\n'; line += next) {
-            _daemon.read(&next, 1);
-        }
-        return line.substr(0, line.size() - 1);
     }
 
     ChildProcess _daemon{{"dbus-daemon", "--session", "--nofork", "--print-address"}};
