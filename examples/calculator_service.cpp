@@ -5,7 +5,9 @@
 //     calculator_service & calculator_client add multiply
 //
 // prints "@calculator.1 came", a line for each request that it answers, and "@calculator.1 went". It serves any number
-// of clients until the device stops.
+// of clients until the device stops. Everybody can see how many requests it has answered, as long as it runs:
+//
+//     kelp-device pps watch /services/calculator-status
 
 #include <kelp/PpsObject>
 #include <kelp/PpsOpenMode>
@@ -62,25 +64,32 @@ void answer(PpsObject &service, const QString &client, const QVariantMap &reques
     }
 }
 
-// Each read gives one message.
-void serve(PpsObject &service)
+// Each read gives one message. Returns whether it was a request.
+bool serve(PpsObject &service)
 {
     bool ok = false;
     const QByteArray text = service.read(&ok);
     if (!ok) {
         say(QLatin1String("the device has gone: ") + service.errorString());
         QCoreApplication::quit();
-        return;
+        return false;
     }
     kelp::PpsAttribute client; // "@calculator.1", with flags when it comes and goes
-    (void)PpsObject::decodeWithFlags(text, &client);
+    (void)PpsObject::decodeWithFlags(text, &client, nullptr);
     if (client.flags().testFlag(PpsAttributeFlag::Created)) {
         say(client.toString() + QLatin1String(" came"));
     } else if (client.flags().testFlag(PpsAttributeFlag::Deleted)) {
         say(client.toString() + QLatin1String(" went"));
     } else {
         answer(service, client.toString(), PpsObject::decode(text).value(client.toString()).toMap());
+        return true;
     }
+    return false;
+}
+
+bool publishStatus(PpsObject &status, int answered)
+{
+    return status.write(PpsObject::encode({{QStringLiteral("answered"), answered}}));
 }
 
 } // namespace
@@ -89,9 +98,19 @@ int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
     PpsObject service(QStringLiteral("/pps/services/calculator?server"));
-    QObject::connect(&service, &PpsObject::readyRead, &service, [&service] { serve(service); });
+    PpsObject status(QStringLiteral("/pps/services/calculator-status?nopersist")); // goes with this process
+    int answered = 0;
+    QObject::connect(&service, &PpsObject::readyRead, &service, [&] {
+        if (serve(service) && !publishStatus(status, ++answered)) {
+            say(QLatin1String("cannot publish: ") + status.errorString());
+        }
+    });
     if (!service.open(PpsOpenMode::PublishSubscribe | PpsOpenMode::Create)) {
         say(QLatin1String("cannot serve: ") + service.errorString());
+        return 1;
+    }
+    if (!status.open(PpsOpenMode::Publish | PpsOpenMode::Create) || !publishStatus(status, answered)) {
+        say(QLatin1String("cannot publish: ") + status.errorString());
         return 1;
     }
     say(QStringLiteral("ready"));

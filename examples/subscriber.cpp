@@ -44,7 +44,7 @@ void readBattery(PpsObject &object)
     bool ok = false;
     kelp::PpsAttribute battery; // its name, and the flags of the object itself
     const QByteArray text = object.read(&ok);
-    (void)PpsObject::decodeWithFlags(text, &battery);
+    (void)PpsObject::decodeWithFlags(text, &battery, nullptr);
     if (!ok) {
         say(QLatin1String("cannot read: ") + object.errorString());
         QCoreApplication::exit(1);

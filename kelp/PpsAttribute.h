@@ -40,8 +40,9 @@ using ::PpsAttributeMap;
  * \endcode
  *
  * The accessors never fail. A scalar one converts as QVariant does, whatever the type: the string "42" is the int 42,
- * true is 1. Where nothing can be converted, and for an empty attribute, an array or an object, the result is 0, false
- * or an empty string.
+ * true is 1. toInt() rounds a double, and keeps the low 32 bits of a larger integer, which toLongLong() has whole.
+ * Where nothing can be converted, and for an empty attribute, an array or an object, the result is 0, false or an empty
+ * string.
  *
  * Threads: a copy may be used on any thread, also while others are used elsewhere.
  */

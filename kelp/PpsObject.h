@@ -36,10 +36,12 @@ class PpsObjectPrivate;
  *
  * Operations tell of a failure by their result; error() then has its errno.
  *
- * Threads: the object belongs to the thread that made it, which needs an event loop for readyRead(). open(), close(),
- * read(), write() and the destructor write a warning when another thread calls them, and go ahead: the caller must see
- * to it that the two threads do not use the object at the same time, and that the object's thread is not inside one of
- * its signals when it is destroyed. The static operations may be called from any thread.
+ * Threads: the object belongs to the thread that made it, which needs an event loop for readyRead(): where it is opened
+ * on a thread without any event handling (not a QThread's, or before there is an application), all else works, and
+ * readyRead() comes only after a setReadyReadEnabled() when there is one. open(), close(), read(), write() and the
+ * destructor write a warning when another thread calls them, and go ahead: the caller must see to it that the two
+ * threads do not use the object at the same time, and that the object's thread is not inside one of its signals when it
+ * is destroyed. The static operations may be called from any thread.
  */
 class KELP_EXPORT PpsObject : public QObject
 {
@@ -72,6 +74,8 @@ public:
      *
      * \a ok may be null, and tells whether there was anything. Otherwise the result is empty and error() is EAGAIN where
      * there is nothing new, EBADF when the object is not open, or the errno of the failure, which is logged as well.
+     * After setBlocking(false), with the option "wait" in the path, there being nothing new is such a failure: it is
+     * EAGAIN too, and logged.
      */
     QByteArray read(bool *ok = nullptr);
 
@@ -112,8 +116,18 @@ public:
      *
      * Values may be bool, int, unsigned int (written as a double), long long, double, QString, an invalid variant
      * (null), and QVariantMap and QVariantList of these. Any other type, anywhere in \a data, fails the whole: \a ok,
-     * which may be null, becomes false and the result is empty. The same goes for a name that an attribute cannot have,
-     * and for a NaN or an infinity.
+     * which may be null, becomes false and the result is empty. Among the types that fail are float, long as
+     * QVariant::fromValue() takes it, unsigned 64-bit integers, QStringList and QByteArray. What fails as well:
+     *   - a NaN or an infinity, and a U+0000 in a text or a name,
+     *   - the name of an attribute that is empty, has a ':' or a control character in it, or begins with one of @-+#*!
+     *     (names within a map may be anything),
+     *   - more than 512 maps and lists within one another.
+     *
+     * One name may begin with '@': that of a map, which is then the object of that name, with its attributes. After such
+     * a one, in the order of names, nothing but others may follow.
+     *
+     * decode() makes the same map of the text, but for the kinds of integers: an unsigned int comes back as a double, a
+     * long long that fits an int as an int. A surrogate without its other half is written as '?'.
      */
     static QByteArray encode(const QVariantMap &data, bool *ok = nullptr);
 
@@ -161,7 +175,7 @@ public:
      * A null becomes an invalid variant, a deleted attribute or object an empty QVariantMap; an integer is an int, or a
      * long long where it does not fit. Of two members with one name the later stays.
      *
-     * A text that is malformed anywhere gives an empty map, and false in \a ok, which may be null. A text without
+     * A text that is malformed anywhere, or has an integer beyond 64 bits or a NUL in it, gives an empty map, and false in \a ok, which may be null. A text without
      * attributes gives an empty map and true.
      */
     static QVariantMap decode(const QByteArray &data, bool *ok = nullptr);
@@ -173,8 +187,7 @@ public:
      * The same, and in \a objectAttribute, unless it is null, the object itself: its name (with the '@') as a string,
      * with its flags. Of several objects it is the first by name. It is left as it is where nothing is decoded.
      */
-    static PpsAttributeMap decodeWithFlags(const QByteArray &data, PpsAttribute *objectAttribute,
-                                           bool *ok = nullptr);
+    static PpsAttributeMap decodeWithFlags(const QByteArray &data, PpsAttribute *objectAttribute, bool *ok);
 
 public Q_SLOTS:
     /*! Wants readyRead(), or no longer; kept while the object is closed. */

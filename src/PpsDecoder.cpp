@@ -5,6 +5,7 @@
 
 #include "PpsAttributePrivate.h"
 #include "PpsText.h"
+#include "Utf8String.h"
 
 namespace kelp {
 
@@ -17,7 +18,7 @@ PpsAttributeMap PpsDecoder::decodeObject()
 {
     PpsAttributeMap members;
     PpsText::forEachChild(_decoder, [this, &members] {
-        PpsAttribute &member = members[QString::fromUtf8(pps_decoder_name(_decoder))];
+        PpsAttribute &member = members[utf8String(pps_decoder_name(_decoder))];
         member = decodeChild();
     });
     return members;
@@ -48,7 +49,7 @@ PpsAttribute PpsDecoder::decodeChild()
         return PpsText::number(_decoder,
                                [this](auto value) { return PpsAttributePrivate::make(value, flags()); });
     case PPS_TYPE_STRING: {
-        const QString value = QString::fromUtf8(PpsText::string(_decoder));
+        const QString value = utf8String(PpsText::string(_decoder));
         return PpsAttributePrivate::make(value, flags());
     }
     case PPS_TYPE_ARRAY: {

@@ -85,7 +85,7 @@ QByteArray PpsEncoder::text()
     if (!text) {
         throw std::exception();
     }
-    return QByteArray(text, static_cast<int>(pps_encoder_length(&_encoder)));
+    return QByteArray(text);
 }
 
 } // namespace kelp

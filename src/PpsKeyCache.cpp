@@ -3,6 +3,8 @@
 
 #include "PpsKeyCache.h"
 
+#include "Utf8String.h"
+
 #include <cstdint>
 #include <cstring>
 
@@ -41,13 +43,13 @@ std::size_t hash(const char *name, std::size_t size)
 
 const QString &PpsKeyCache::key(const char *name)
 {
-    const std::size_t size = std::strlen(name);
+    const std::size_t size = name ? std::strlen(name) : 0;
     if (size == 0 || size > LONGEST) {
-        return _uncached = QString::fromUtf8(name, static_cast<int>(size));
+        return _uncached = utf8String(name, size);
     }
     Slot &slot = _slots[hash(name, size)];
     if (slot.size != size || std::memcmp(slot.bytes.data(), name, size) != 0) {
-        slot.text = QString::fromUtf8(name, static_cast<int>(size));
+        slot.text = utf8String(name, size);
         std::memcpy(slot.bytes.data(), name, size);
         slot.size = size;
     }

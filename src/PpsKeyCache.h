@@ -15,7 +15,7 @@ public:
     PpsKeyCache() = default;
     Q_DISABLE_COPY(PpsKeyCache)
 
-    // The string of a name in UTF-8, until the next call.
+    // The string of a name in UTF-8, until the next call. Null is an empty name.
     const QString &key(const char *name);
 
 private:

@@ -6,14 +6,15 @@
 #include "Locker.h"
 #include "Messages.h"
 #include "PpsMaxSize.h"
+#include "PpsNotifier.h"
 
 #include <devicefs/devicefs.h>
 
 #include <QtCore/QAbstractEventDispatcher>
-#include <QtCore/QSocketNotifier>
 #include <QtCore/QThread>
 
 #include <cerrno>
+#include <memory>
 #include <utility>
 
 #include <fcntl.h>
@@ -51,7 +52,7 @@ PpsObjectPrivate::PpsObjectPrivate(PpsObject *q, const QString &path) : QObject(
 
 PpsObjectPrivate::~PpsObjectPrivate()
 {
-    endRetired();
+    const Locker handedOver(&_mutex); // by dispose()
 }
 
 void PpsObjectPrivate::dispose(PpsObjectPrivate *d)
@@ -61,10 +62,9 @@ void PpsObjectPrivate::dispose(PpsObjectPrivate *d)
         (void)d->release(); // nobody is left to be told
     }
     if (d->isOfAnotherThread()) {
+        d->setParent(nullptr);
         {
-            const Locker lock(
-                &d->_mutex); // hands the record over: its own thread takes the lock again before it ends it
-            d->setParent(nullptr);
+            const Locker handOver(&d->_mutex); // its own thread takes the lock again before it ends it
         }
         d->deleteLater();
     } else {
@@ -180,20 +180,54 @@ void PpsObjectPrivate::setReadyReadEnabled(bool enable)
     }
 }
 
-// On the object's thread: brings the notifier up to date with what has been asked for, on whatever thread.
+// On the object's thread, later than another one asked: that one may be destroying the object by now, and has this
+// record ended here.
 void PpsObjectPrivate::synchronize()
 {
-    endRetired();
-    const Locker lock(&_mutex);
-    if (fd == -1) {
+    updateNotifier(this);
+}
+
+// On the object's thread: brings the notifier up to date with what has been asked for, on whatever thread.
+void PpsObjectPrivate::updateNotifier(QObject *parent)
+{
+    if (_isMakingNotifier || !QAbstractEventDispatcher::instance()) {
         return;
     }
-    if (!notifier) {
-        notifier = new QSocketNotifier(fd, QSocketNotifier::Read, q);
-        // By name: such a connection is Qt's own alone, and another thread may end it.
-        connect(notifier, SIGNAL(activated(int)), q, SIGNAL(readyRead()));
+    _isMakingNotifier = true;
+    for (int number = unwatched(); number != -1; number = unwatched()) {
+        makeNotifier(number, parent);
     }
-    notifier->setEnabled(readyReadEnabled);
+    _isMakingNotifier = false;
+    PpsNotifier *current = nullptr;
+    bool isWanted = false;
+    {
+        const Locker lock(&_mutex);
+        current = notifier;
+        isWanted = readyReadEnabled;
+    }
+    if (current) { // also if it is being retired: it ends on this thread, later
+        current->setEnabled(isWanted);
+    }
+}
+
+// The parent's handlers hear of a child, and may use the object: whether the notifier is still good is seen after them.
+void PpsObjectPrivate::makeNotifier(int number, QObject *parent)
+{
+    auto made = std::make_unique<PpsNotifier>(number);
+    made->setParent(parent);
+    const Locker lock(&_mutex);
+    if (notifier || fd != number) {
+        return;
+    }
+    // By name: such a connection is Qt's own alone, and another thread may end it.
+    connect(made.get(), SIGNAL(activated(int)), q, SIGNAL(readyRead()));
+    notifier = made.release();
+}
+
+int PpsObjectPrivate::unwatched()
+{
+    const Locker lock(&_mutex);
+    return notifier ? -1 : fd;
 }
 
 bool PpsObjectPrivate::requireOpen()
@@ -223,7 +257,7 @@ bool PpsObjectPrivate::isOfAnotherThread() const
 void PpsObjectPrivate::requestSynchronize()
 {
     if (thread() == QThread::currentThread()) {
-        synchronize();
+        updateNotifier(q);
     } else {
         // By name: such a call is made within Qt, and carries nothing that two threads touch.
         QMetaObject::invokeMethod(this, "synchronize", Qt::QueuedConnection);
@@ -232,7 +266,7 @@ void PpsObjectPrivate::requestSynchronize()
 
 int PpsObjectPrivate::release()
 {
-    std::unique_ptr<QSocketNotifier> unwanted;
+    std::unique_ptr<PpsNotifier> unwanted;
     int number = -1;
     {
         const Locker lock(&_mutex);
@@ -240,37 +274,10 @@ int PpsObjectPrivate::release()
         number = std::exchange(fd, -1);
     }
     if (unwanted && isOfAnotherThread()) {
-        return retire({std::move(unwanted), number});
+        return PpsNotifier::retire(std::move(unwanted));
     }
     unwanted.reset(); // before the number can be anybody else's
     return devicefs_close(number) == 0 ? 0 : errno;
-}
-
-// The other thread's event loop goes on watching the number until it runs synchronize().
-int PpsObjectPrivate::retire(Retired retired)
-{
-    const int result = devicefs_detach(retired.fd) == 0 ? 0 : errno;
-    retired.notifier->disconnect(q);
-    retired.notifier->setParent(nullptr);
-    {
-        const Locker lock(&_mutex);
-        _retired.push_back(std::move(retired));
-    }
-    requestSynchronize();
-    return result;
-}
-
-void PpsObjectPrivate::endRetired()
-{
-    std::vector<Retired> retired;
-    {
-        const Locker lock(&_mutex);
-        retired.swap(_retired);
-    }
-    for (Retired &ended : retired) {
-        ended.notifier.reset();
-        (void)devicefs_close(ended.fd); // what was open there has been closed before
-    }
 }
 
 // -1, and the error, when there are none.

@@ -2,23 +2,17 @@
 // The file behind a PpsObject: its descriptor and the notifier that watches it.
 //
 // Any thread may call; the notifier is made, switched and ended on the thread of the object alone, as Qt demands. What
-// another thread asks for is done at once as far as the file goes, and for the notifier noted here for
-// synchronize(), which then runs on the object's thread. Therefore this record is an object of that thread itself, and
-// ends there.
+// another thread asks for is done at once as far as the file goes; the notifier follows in synchronize(), which then runs
+// on the object's thread, or ends by itself. Therefore this record is an object of that thread itself, and ends there.
 #pragma once
 
 #include <kelp/PpsObject.h>
 
 #include <QtCore/QMutex>
 
-#include <memory>
-#include <vector>
-
-QT_BEGIN_NAMESPACE
-class QSocketNotifier;
-QT_END_NAMESPACE
-
 namespace kelp {
+
+class PpsNotifier;
 
 class PpsObjectPrivate : public QObject
 {
@@ -41,8 +35,8 @@ public:
     bool isBlocking();
     void setReadyReadEnabled(bool enable);
 
-    QSocketNotifier *notifier =
-        nullptr; // of the descriptor; null while closed, and until another thread's open is done
+    // Of the descriptor; null while closed, until another thread's open is done, and where nothing handles events.
+    PpsNotifier *notifier = nullptr;
     const QString path;
     int error = 0; // errno of the last operation
     int fd = -1;   // -1 while closed
@@ -52,24 +46,20 @@ private Q_SLOTS:
     void synchronize();
 
 private:
-    // A notifier that is no longer wanted, and its descriptor, which must stay taken until the notifier has gone.
-    struct Retired {
-        std::unique_ptr<QSocketNotifier> notifier;
-        int fd;
-    };
-
     bool requireOpen(); // else EBADF
     void warnIfNotThread(const char *what, QThread *objectThread) const;
     bool isOfAnotherThread() const;
     void requestSynchronize();
-    int release(); // closes the descriptor: 0, or the errno
-    int retire(Retired retired);
-    void endRetired();
+    void updateNotifier(QObject *parent);
+    void makeNotifier(int number, QObject *parent);
+    int unwatched(); // the descriptor that has no notifier, else -1
+    int release();   // closes the descriptor: 0, or the errno
     int descriptorFlags();
 
     PpsObject *const q;
-    QMutex _mutex; // guards the notifier, the descriptor and the flag while they change, and what is below
-    std::vector<Retired> _retired;
+    bool _isMakingNotifier = false; // the object's thread, which may be inside a handler
+    QMutex
+        _mutex; // guards the notifier, the descriptor and the flag while they change; no handler runs under it
 };
 
 } // namespace kelp

@@ -7,6 +7,9 @@ namespace kelp {
 
 PpsText::PpsText(const QByteArray &bytes)
 {
+    if (bytes.contains('\0')) {
+        throw std::exception();
+    }
     _scratch->text.assign(bytes.constData(), static_cast<std::size_t>(bytes.size()));
     check(pps_decoder_initialize(&_decoder, _scratch->text.data()));
 }

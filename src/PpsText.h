@@ -15,7 +15,8 @@ namespace kelp {
 class PpsText
 {
 public:
-    // Parses a copy: the platform works in place, and the bytes are the caller's.
+    // Parses a copy: the platform works in place, and the bytes are the caller's. A NUL among them fails: the platform
+    // would take it for the end.
     explicit PpsText(const QByteArray &bytes);
     ~PpsText();
 

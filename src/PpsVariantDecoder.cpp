@@ -6,6 +6,7 @@
 
 #include "PpsKeyCache.h"
 #include "PpsText.h"
+#include "Utf8String.h"
 
 namespace kelp {
 
@@ -41,7 +42,7 @@ QVariant PpsVariantDecoder::decodeChild()
     case PPS_TYPE_NUMBER:
         return PpsText::number(_decoder, [](auto value) { return QVariant(value); });
     case PPS_TYPE_STRING:
-        return QString::fromUtf8(PpsText::string(_decoder));
+        return utf8String(PpsText::string(_decoder));
     case PPS_TYPE_ARRAY:
         return PpsText::inside(_decoder, [this] { return decodeArray(); });
     case PPS_TYPE_OBJECT:

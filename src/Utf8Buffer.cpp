@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <exception>
 
 namespace kelp {
 
@@ -32,6 +33,13 @@ bool narrow(const char16_t *units, std::size_t size, char *bytes)
     return (all & 0xff80ff80ff80ff80u) == 0;
 }
 
+void requireNoNul(const char *bytes, std::size_t size)
+{
+    if (std::memchr(bytes, '\0', size)) {
+        throw std::exception();
+    }
+}
+
 } // namespace
 
 const char *Utf8Buffer::set(const QString &text)
@@ -41,10 +49,12 @@ const char *Utf8Buffer::set(const QString &text)
         _bytes.resize(size + size / 2 + 64);
     }
     if (narrow(reinterpret_cast<const char16_t *>(text.utf16()), size, _bytes.data())) {
+        requireNoNul(_bytes.data(), size);
         _bytes[size] = '\0';
         return _bytes.data();
     }
     const QByteArray encoded = text.toUtf8();
+    requireNoNul(encoded.constData(), static_cast<std::size_t>(encoded.size()));
     _bytes.assign(encoded.constData(), encoded.constData() + encoded.size() + 1);
     return _bytes.data();
 }

@@ -11,7 +11,7 @@ namespace kelp {
 class Utf8Buffer
 {
 public:
-    // The text, NUL-terminated, until the next call.
+    // The text, NUL-terminated, until the next call. Throws for one with a NUL in it, which would end there.
     const char *set(const QString &text);
 
 private:

@@ -74,14 +74,12 @@ const struct {
      false},
     {"long longs", of(LARGE << 20), of((LARGE << 20) + 1), false},
     {"number and text", of(5), text("5"), false},
-    {"number and bool", of(1), of(true), false},
     {"flags", of(5), of(5, PpsAttributeFlag::Deleted), false},
     {"case", text("a"), text("A"), false},
     {"lengths", of(Attributes{of(1)}), of(Attributes{of(1), of(1)}), false},
     {"flags inside", of(Attributes{of(1)}), of(Attributes{of(1, PpsAttributeFlag::Created)}), false},
     {"kinds inside", of(PpsAttributeMap{{"a", of(1)}}), of(PpsAttributeMap{{"a", of(1.0)}}), true},
     {"names inside", of(PpsAttributeMap{{"a", of(1)}}), of(PpsAttributeMap{{"b", of(1)}}), false},
-    {"empty array and object", of(Attributes()), of(PpsAttributeMap()), false},
 };
 
 QT_WARNING_PUSH
@@ -120,12 +118,6 @@ private Q_SLOTS:
                                        .arg(a.toMap().size());
             QVERIFY2(values == QString::fromUtf8(row.values), qPrintable(row.name + (": " + values)));
             QCOMPARE(printed(a), QString::fromUtf8(row.printed));
-            QVERIFY(a == row.attribute);
-            QCOMPARE(a.isValid(), a.type() != PpsAttribute::None);
-            QCOMPARE(a.toVariant().isValid(), a.isValid());
-            const QList<bool> is = {a.isNumber(), a.isBool(), a.isString(), a.isArray(), a.isObject()};
-            QCOMPARE(is.indexOf(true) + 1, int(a.type()));
-            QCOMPARE(is.count(true), a.isValid() ? 1 : 0);
         }
     }
 
@@ -135,19 +127,6 @@ private Q_SLOTS:
             QVERIFY2((pair.left == pair.right) == pair.areEqual, pair.name);
             QVERIFY2((pair.right != pair.left) == !pair.areEqual, pair.name);
         }
-    }
-
-    void copiesOutliveTheirOrigin()
-    {
-        PpsAttribute copy;
-        {
-            const PpsAttribute origin = of(Attributes{text("x")}, PpsAttributeFlag::Purged);
-            copy = origin;
-        }
-        copy = *&copy;
-
-        QCOMPARE(copy.flags(), PpsAttributeFlag::Types(PpsAttributeFlag::Purged));
-        QCOMPARE(copy.toList().value(0).toString(), "x");
     }
 
     void flagsPrintTheirBitsAndLeaveTheStreamsSpacing()
@@ -162,8 +141,6 @@ private Q_SLOTS:
 
     void theTypesHaveTheirNames()
     {
-        QCOMPARE(QMetaEnum::fromType<PpsAttribute::Type>().valueToKey(5), "Object");
-        QCOMPARE(QMetaEnum::fromType<PpsAttributeFlag::Types>().name(), "Types");
         QCOMPARE(QMetaEnum::fromType<PpsAttributeFlag::Types>().valueToKeys(31),
                  QByteArray("Incomplete|Deleted|Created|Truncated|Purged"));
         QCOMPARE(of(Attributes()).toVariant().userType(), registeredAs("QList<kelp::PpsAttribute>"));

@@ -8,8 +8,9 @@
 
 #include <QtCore/QDataStream>
 #include <QtCore/QDebug>
-#include <QtCore/QRandomGenerator>
 #include <QtTest/QtTest>
+
+#include <climits>
 
 using kelp::PpsAttribute;
 using kelp::PpsDecoder;
@@ -29,9 +30,6 @@ const struct {
     {"+#@o\nn:n:5\n", "@o=Object, QFlags(0x4|0x8), QMap((\"n\", PpsAttribute(Number, QFlags(), 5)))"},
     {"-@o\n", "@o=Object, QFlags(0x2), QMap()"},
     {"!n:n:2147483647\n", "n=Number, QFlags(0x10), 2147483647"},
-    {"n:n:2147483648\n", "n=Number, QFlags(), 2147483648"},
-    {"n:n:-2147483649\n", "n=Number, QFlags(), -2147483649"},
-    {"n:n:5.5\n", "n=Number, QFlags(), 5.5"},
     {"n:n:5.0\n", "n=Number, QFlags(), 5"},
     {"b:b:false\ns::\xc3\xa4:b\n", "b=Bool, QFlags(), false s=String, QFlags(), \"\xc3\xa4:b\""},
     {"j:json:[null,[],{}]\n", "j=Array, QFlags(), (PpsAttribute(None), PpsAttribute(Array, QFlags(), ()), "
@@ -41,9 +39,8 @@ const struct {
      "k=Object, QFlags(), QMap((\"a\", PpsAttribute(Bool, QFlags(), true)))"},
 };
 
-const char *const MALFORMED[] = {
-    "a::b",       "a\n",      "n:n:99999999999999999999\n", "@o\nj:json:[99999999999999999999]\n",
-    "j:json:[\n", "s::\xff\n"};
+const QByteArray MALFORMED[] = {"@o\nj:json:[99999999999999999999]\n", "j:json:[\n",
+                                QByteArray("a:n:1\n\0b:n:2\n", 13)};
 
 QString printed(const PpsAttributeMap &attributes)
 {
@@ -65,59 +62,22 @@ QByteArray exact(const QVariant &value)
     return bytes;
 }
 
-// Values of all kinds that are decoded to what they were encoded from, nested up to a depth.
-class Generator
-{
-public:
-    QVariantMap map(int depth)
-    {
-        QVariantMap map;
-        for (int i = _random.bounded(12); i > 0; --i) {
-            map.insert("k" + text(), value(depth));
-        }
-        return map;
-    }
+const QString MARK(QChar(0xfeff)); // which many take for no character at the beginning of a text
 
-private:
-    QString text()
-    {
-        QString text;
-        for (int i = _random.bounded(_random.bounded(8) == 0 ? 80 : 8); i > 0; --i) {
-            text += QChar(_random.bounded(10) ? 'a' + _random.bounded(26) : 0xc0 + _random.bounded(0x100));
-        }
-        return text;
-    }
-    QVariantList list(int depth)
-    {
-        QVariantList list;
-        for (int i = _random.bounded(6); i > 0; --i) {
-            list.append(value(depth));
-        }
-        return list;
-    }
-    QVariant value(int depth)
-    {
-        switch (_random.bounded(depth > 0 ? 9 : 6)) {
-        case 0:
-            return QVariant();
-        case 1:
-            return _random.bounded(2) == 0;
-        case 2:
-            return int(_random.generate());
-        case 3:
-            return qlonglong(_random.generate64() | (1ull << 40));
-        case 4:
-            return (_random.generateDouble() - 0.5) * 1e6;
-        case 5:
-            return text() + (_random.bounded(4) ? "" : "\n\"\\:");
-        case 6:
-            return list(depth - 1);
-        default:
-            return map(depth - 1);
-        }
-    }
-
-    QRandomGenerator _random{20}; // the same at each run
+// What is decoded to exactly what it was encoded from.
+const QVariantMap MAPS[] = {
+    {},
+    {{"n", QVariant()}, {"b", QVariantList{true, false, QVariant()}}},
+    {{"max", INT_MAX}, {"min", QVariantList{INT_MIN}}},
+    {{"max", INT_MAX + 1LL}, {"min", QVariantList{INT_MIN - 1LL}}},
+    {{"max", LLONG_MAX}, {"min", QVariantList{LLONG_MIN}}},
+    {{"zero", -0.0}, {"least", QVariantList{5e-324, -0.0}}, {"large", 1e308}, {"whole", 2.0}},
+    {{"empty", QVariantList{QVariantList(), QVariantMap(), QVariantList{QVariantList()}, ""}}, {"s", ""}},
+    {{"s", "\n\"\\:\t\x7f"}, {"l", QVariantList{"\n\"\\:\t\x7f"}}},
+    {{"@o", QVariantMap{{"a", QVariantMap{{"@x", 1}, {"-", 2}, {"", 3}}}}}, {"@p", QVariantMap()}},
+    {{MARK + "k", MARK + "v"}, {MARK + QString(30, 'k'), MARK + MARK}, {"k", "v" + MARK}},
+    {{"m", QVariantMap{{MARK + "k", QVariantList{MARK, MARK + "v"}}, {MARK, 1}}}},
+    {{"@" + MARK, QVariantMap{{MARK, true}}}},
 };
 
 } // namespace
@@ -148,7 +108,7 @@ private Q_SLOTS:
 
     void malformedTextsGiveNothing()
     {
-        for (const char *text : MALFORMED) {
+        for (const QByteArray &text : MALFORMED) {
             PpsAttribute object;
             bool ok = true;
             QVERIFY2(PpsObject::decodeWithFlags(text, &object, &ok).isEmpty() && !ok, text);
@@ -162,15 +122,15 @@ private Q_SLOTS:
     void theObjectItselfIsTheFirstByName()
     {
         PpsAttribute object;
-        PpsObject::decodeWithFlags("@b\n+*@a\nx:n:1\n", &object);
+        PpsObject::decodeWithFlags("@b\n+*@a\nx:n:1\n", &object, nullptr);
         QCOMPARE(object.toString(), "@a");
         QCOMPARE(int(object.flags()), 5);
 
         bool ok = false;
         PpsObject::decodeWithFlags("", &object, &ok);
         QVERIFY(ok);
-        QCOMPARE(object.toString(), "@a"); // left as it was
-        PpsObject::decodeWithFlags("@c\n", nullptr, nullptr);
+        QCOMPARE(object.toString(), "@a");                               // left as it was
+        QCOMPARE(PpsObject::decodeWithFlags("@c\n", nullptr).size(), 1); // not ambiguous
     }
 
     void whicheverCallFailsNothingPartialIsGiven()
@@ -194,9 +154,7 @@ private Q_SLOTS:
 
     void whatIsEncodedIsDecodedWithEveryType()
     {
-        Generator generator;
-        for (int i = 0; i < 300; ++i) {
-            const QVariantMap map = generator.map(4);
+        for (const QVariantMap &map : MAPS) {
             bool isEncoded = false;
             const QByteArray text = PpsObject::encode(map, &isEncoded);
             QVERIFY(isEncoded);

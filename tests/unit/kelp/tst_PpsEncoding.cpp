@@ -5,7 +5,6 @@
 
 #include <kelp/PpsObject.h>
 
-#include <QtCore/QDate>
 #include <QtTest/QtTest>
 
 #include <limits>
@@ -33,13 +32,10 @@ const struct {
     {"long long", 5000000000LL, "k:n:5000000000\n"},
     {"double", 5.5, "k:n:5.5\n"},
     {"text", "Main cell", "k::Main cell\n"},
-    {"empty text", QString(), "k::\n"},
     {"lines", "two\nlines", "k:c:two\\nlines\n"},
     {"other letters, at the end of a plain text",
      QString::fromUtf8("0123456789 \xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80"),
      "k::0123456789 \xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80\n"},
-    {"a long text", QString(1000, 'x'), nullptr},
-    {"empty object", QVariantMap(), "k:json:{}\n"},
     {"object", QVariantMap{{"b", 1}, {"a", QVariantMap{{"\"", true}}}},
      "k:json:{\"a\":{\"\\\"\":true},\"b\":1}\n"},
     {"array", QVariantList{1, "a", QVariant(), QVariantList{2u}}, "k:json:[1,\"a\",null,[2.0]]\n"},
@@ -49,8 +45,8 @@ const QVariant UNFIT[] = {1ull,
                           QStringList("a"),
                           QByteArray("a"),
                           QChar('a'),
-                          QDate(2000, 1, 1),
-                          QVariantHash(),
+                          QString::fromUtf8("a\0b", 3),
+                          QString::fromUtf8("\0\xc3\xa4", 3),
                           QVariant::fromValue(1.0f),
                           std::numeric_limits<double>::quiet_NaN()};
 
@@ -64,10 +60,8 @@ private Q_SLOTS:
     void everyKindOfValueHasItsText()
     {
         for (const auto &row : VALUES) {
-            const QByteArray expected =
-                row.text ? QByteArray(row.text) : "k::" + row.value.toString().toUtf8() + "\n";
             bool ok = false;
-            QCOMPARE(PpsObject::encode({{"k", row.value}}, &ok), expected);
+            QCOMPARE(PpsObject::encode({{"k", row.value}}, &ok), QByteArray(row.text));
             QVERIFY2(ok, row.name);
         }
         QCOMPARE(PpsObject::encode({{"z", 1}, {QString::fromUtf8("\xc3\xa4"), 2}, {"a", 3}}),
@@ -83,11 +77,11 @@ private Q_SLOTS:
             const QVariantMap placings[] = {
                 {{"a", 1}, {"b", unfit}},
                 {{"a", 1}, {"b", QVariantList{1, QVariantMap{{"c", unfit}}}}},
+                {{"a", QVariantMap{{"b" + QString(QChar(0)), 1}}}},
             };
             for (const QVariantMap &data : placings) {
                 bool ok = true;
                 QVERIFY2(PpsObject::encode(data, &ok).isNull() && !ok, unfit.typeName());
-                QVERIFY(PpsObject::encode(data).isNull());
             }
         }
     }
@@ -104,22 +98,6 @@ private Q_SLOTS:
         }
         FailingCodec::countdown = 0;
         QVERIFY(failures > 16); // one for each call at each depth
-    }
-
-    void messagesNeedTheirNameAndId()
-    {
-        bool ok = false;
-        QCOMPARE(PpsObject::encodeMessage("m", {}, &ok), QByteArray("dat:json:{}\nmsg::m\n"));
-        QVERIFY(ok);
-        QCOMPARE(PpsObject::encodeMessage("m", "7", {{"x", 1}}, &ok),
-                 QByteArray("dat:json:{\"x\":1}\nid::7\nmsg::m\n"));
-        QVERIFY(ok);
-        QVERIFY(PpsObject::encodeMessage("", {}, &ok).isNull() && !ok);
-        ok = true;
-        QVERIFY(PpsObject::encodeMessage("m", "", {}, &ok).isNull() && !ok);
-        ok = true;
-        QVERIFY(PpsObject::encodeMessage("", "7", {}, &ok).isNull() && !ok);
-        QVERIFY(PpsObject::encodeMessage("", {}).isNull());
     }
 };
 
