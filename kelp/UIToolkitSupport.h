@@ -11,6 +11,7 @@
 
 #include <QtCore/QObject>
 #include <QtCore/QString>
+#include <QtCore/QUrl>
 
 namespace kelp {
 
@@ -28,8 +29,12 @@ class UIToolkitSupportPrivate;
  * connect(&support, &kelp::UIToolkitSupport::exit, qApp, &QCoreApplication::quit);
  * \endcode
  *
+ * A rotation is a conversation: orientationCheck() asks whether the screen may be turned, and is answered with
+ * orientationCheckResponse(). If the answer was yes, orientationSize() and orientation() tell the toolkit to lay out
+ * anew, which it reports with doneOrientation(); then comes orientationCompleted().
+ *
  * Threads: events arrive, and signals are emitted, on the thread that made the object, which needs an event loop. All
- * operations belong to that thread but windowGroupID(), which may be called from any.
+ * operations belong to that thread but windowGroupID() and absolutePathFromUrl(), which may be called from any.
  */
 class KELP_EXPORT UIToolkitSupport : public QObject
 {
@@ -85,6 +90,60 @@ public:
      * Returns false when the navigator does not take the answer, errno telling why.
      */
     bool poolingComplete(const QString &id) const;
+
+    /*!
+     * Answers orientationCheck(), whose id \a orientationRequestID is: true lets the screen be turned.
+     *
+     * Returns false when the navigator does not take the answer, errno telling why. So do the requests below that give
+     * no warning.
+     */
+    bool orientationCheckResponse(const QString &orientationRequestID, bool response);
+
+    /*! Reports that the application has finished its part of the rotation with the id \a orientationRequestID. */
+    bool doneOrientation(const QString &orientationRequestID);
+
+    /*!
+     * Asks for the screen to be turned to \a angle, also while it is locked. True says that the navigator has taken
+     * the request, not that the screen has turned: the signals of a rotation follow.
+     */
+    bool requestOrientation(kelp::Orientation::Type angle);
+
+    /*! Keeps the screen from being turned unless the application asks for it. */
+    bool lockOrientation();
+
+    /*! Ends lockOrientation(). */
+    bool unlockOrientation();
+
+    /*!
+     * Chooses whether swipedDown() tells of the start of a swipe from the top edge as well as of its completion
+     * (OnStartOnly), or of its completion alone (OnCompletionOnly).
+     *
+     * Returns false, with a warning, when the navigator refuses and for a value of no name.
+     */
+    bool setSwipeDownMode(kelp::SwipeDownMode::Type mode);
+
+    /*!
+     * Sets the time in milliseconds that the application may take to make its first window.
+     *
+     * Returns false, with a warning that has the navigator's reason, when it refuses.
+     */
+    bool setWindowCreationTimeout(int timeout);
+
+    /*!
+     * The absolute, cleaned path of the local file that \a url names. Empty, with a warning, for a scheme other than
+     * these:
+     *
+     * - none, or "file": a relative path starts from the current directory.
+     * - "asset": a file of the application's package, named by its path in the assets directory, "app/native/assets"
+     *   beside the home directory (HOME). Where the package has a variant of it for the device's screen and theme, the
+     *   result is that variant. A host is ignored, with a warning. The environment variable MARIGOLD_THEME goes before
+     *   the device's theme.
+     *
+     * The file need not exist, and the result is outside the assets directory where the path leads there. The device
+     * is asked anew each time; when it does not tell its screen and theme, a warning says so, and no variant is looked
+     * for.
+     */
+    static QString absolutePathFromUrl(const QUrl &url);
 
 Q_SIGNALS:
     /*! A window group was given the input focus, or lost it. Emitted at each report, changed or not. */

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// See kelp/UIToolkitSupport.h. All the work is the private object's.
+// See kelp/UIToolkitSupport.h. All the work is the private object's, but for absolutePathFromUrl() in AssetPaths.cpp.
 
 #include <kelp/UIToolkitSupport.h>
 
@@ -66,6 +66,41 @@ ProcessState::Type UIToolkitSupport::processState() const
 bool UIToolkitSupport::poolingComplete(const QString &id) const
 {
     return d->poolingComplete(id);
+}
+
+bool UIToolkitSupport::orientationCheckResponse(const QString &orientationRequestID, bool response)
+{
+    return d->orientationCheckResponse(orientationRequestID, response);
+}
+
+bool UIToolkitSupport::doneOrientation(const QString &orientationRequestID)
+{
+    return d->doneOrientation(orientationRequestID);
+}
+
+bool UIToolkitSupport::requestOrientation(Orientation::Type angle)
+{
+    return d->requestOrientation(angle);
+}
+
+bool UIToolkitSupport::lockOrientation()
+{
+    return d->lockOrientation();
+}
+
+bool UIToolkitSupport::unlockOrientation()
+{
+    return d->unlockOrientation();
+}
+
+bool UIToolkitSupport::setSwipeDownMode(SwipeDownMode::Type mode)
+{
+    return d->setSwipeDownMode(mode);
+}
+
+bool UIToolkitSupport::setWindowCreationTimeout(int timeout)
+{
+    return d->setWindowCreationTimeout(timeout);
 }
 
 } // namespace kelp

@@ -3,6 +3,8 @@
 // signals.
 #pragma once
 
+#include "DeviceProperties.h"
+
 #include <kelp/AbstractTarnEventHandler.h>
 #include <kelp/UIToolkitSupport.h>
 
@@ -37,6 +39,20 @@ public:
     ProcessUIState::Type uiStateForWindowGroup(const QString &id) const;
     ProcessState::Type processState() const { return _processState; }
     bool poolingComplete(const QString &id) const;
+
+    bool orientationCheckResponse(const QString &orientationRequestID, bool response);
+    bool doneOrientation(const QString &orientationRequestID);
+    bool requestOrientation(Orientation::Type angle);
+    bool lockOrientation();
+    bool unlockOrientation();
+    bool setSwipeDownMode(SwipeDownMode::Type mode);
+    bool setWindowCreationTimeout(int timeout); // milliseconds
+
+    // What the device says at this moment; on failure nothing, and a warning.
+    static DeviceProperties deviceProperties();
+    // The file that the platform selects for the asset at a path in the assets directory; empty when it selects none.
+    static QString assetAbsolutePath(int width, int height, const QString &theme, const QString &path,
+                                     const QString &assetsDir);
 
     // For inspection.
     static void resetWindowGroupID(); // takes no lock

@@ -112,7 +112,7 @@ public:
     // The nth call of a function from now on, or each, has no effect and returns result, with errno unless error is
     // 0. What was set last prevails.
     static void answer(const std::string &function, int result, int error, int nth = ALWAYS);
-    // What a function hands out for its caller to free; without it, NULL.
+    // The text that a function hands out, most for their callers to free; without it, NULL, or no asset's variant.
     static void setText(const std::string &function, const std::string &text);
     // Runs at each call of a function, on its thread.
     static void onCall(const std::string &function, std::function<void()> action);

@@ -16,7 +16,7 @@ for name in "$LIBRARY" kelp-platform; do
 done
 
 # The platform library: the functions that its headers declare, all of them, and no more.
-declared=$(grep -hoE '\b(tarn|navigator|pps|devicefs)_[a-z_0-9]+\(' "$SOURCE"/platform/include/*/*.h | tr -d '(' | sort -u)
+declared=$(grep -hoE '\b(tarn|navigator|pps|devicefs|aselector)_[a-z_0-9]+\(' "$SOURCE"/platform/include/*/*.h | tr -d '(' | sort -u)
 declared=$(for name in $declared; do grep -qhE "PLATFORM_EXPORT [^;]*\b$name\(" "$SOURCE"/platform/include/*/*.h && echo "$name"; done)
 difference=$(diff <(echo "$declared") <(exported "$BUILD/lib/libkelp-platform.so" | sort -u)) ||
     fail "libkelp-platform exports other functions than its headers declare: $difference"

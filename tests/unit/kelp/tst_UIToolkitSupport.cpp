@@ -228,21 +228,6 @@ private Q_SLOTS:
         QCOMPARE(_messages->take(), (QStringList{line + "\"\"", line + "\"none\""}));
     }
 
-    void poolingCompleteSendsTheIdAsUtf8AndTellsOfSuccess()
-    {
-        RecordingPlatform::reset();
-        RecordingPlatform::answer("navigator_pooled_response", TARN_FAILURE, EINVAL, 2);
-        RecordingPlatform::answer("navigator_pooled_response", 1, EINVAL, 3);
-
-        QVERIFY(_support->poolingComplete(QString::fromLatin1("\xe4\"1")));
-        QVERIFY(!_support->poolingComplete("2"));
-        QVERIFY(!_support->poolingComplete("3"));
-
-        QCOMPARE(RecordingPlatform::takeRequests().c_str(),
-                 "navigator_pooled_response(\"\xc3\xa4\"1\") navigator_pooled_response(\"2\") "
-                 "navigator_pooled_response(\"3\")");
-    }
-
     void lowMemoryIsLoggedAsCritical()
     {
         _queue.postLowMemory(0);
