@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Attributes.h"
 
+#include "NameHash.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -13,7 +15,7 @@ constexpr std::size_t HOLES_LEFT = 8; // holes and deleted names that may stay b
 
 std::uint32_t hashOf(std::string_view name)
 {
-    return static_cast<std::uint32_t>(std::hash<std::string_view>()(name));
+    return static_cast<std::uint32_t>(NameHash()(name));
 }
 
 } // namespace

@@ -35,6 +35,10 @@ void Descriptor::connect(MessageReader *inbox)
 
 void Descriptor::close()
 {
+    if (_watched != nullptr) {
+        _reader.reset();
+        _publisher.unwatch(*_watched);
+    }
     if (!_object) {
         return;
     }
@@ -46,9 +50,17 @@ void Descriptor::close()
         _publisher.remove(*_object, false);
     } else if (_role == Role::Client) {
         _object->server()->disconnect(_client);
-    } else if (_access.publishes && !_object->isPublished()) {
+    } else if (isLast()) {
         _publisher.abandon(*_object);
     }
+}
+
+// Nobody is left to whom what it or others have published is bound. An object that never had a publisher is
+// bound to those who have it open.
+bool Descriptor::isLast() const
+{
+    const bool isUnbound = _object->isNopersist() && !_object->isOpen();
+    return !_object->isPublished() && (_access.publishes || isUnbound);
 }
 
 int Descriptor::write(std::string_view text, Change &change, std::size_t mostBytes)

@@ -32,6 +32,8 @@ public:
     // Makes it the object's server, or the server's client; inbox is its reader, or null.
     void serve(MessageReader &inbox);
     void connect(MessageReader *inbox);
+    // Its reader watches the directory.
+    void watch(Directory &directory) { _watched = &directory; }
 
     // Everything that closing means for others. The descriptor is only good for destruction then.
     void close();
@@ -43,10 +45,13 @@ public:
     const Access &access() const { return _access; }
 
 private:
+    bool isLast() const;
+
     Publisher &_publisher;
     const std::shared_ptr<Object> _object;
     const Access _access;
     std::unique_ptr<Reader> _reader;
+    Directory *_watched = nullptr;
     Role _role = Role::Ordinary;
     unsigned _client = 0; // the client's number
 };

@@ -13,6 +13,13 @@ Directory::Directory(Directory *parent, std::string path, const Permissions &per
       _permissions(permissions)
 {}
 
+std::string_view Directory::name() const
+{
+    const std::size_t parentSize = _parent == nullptr ? 0 : _parent->prefix().size();
+    const std::string_view name = std::string_view(_prefix).substr(parentSize);
+    return name.substr(0, name.find('/'));
+}
+
 const Directory::Node *Directory::find(std::string_view name) const
 {
     const auto found = _nodes.find(name);
@@ -31,7 +38,7 @@ void Directory::addObject(std::shared_ptr<Object> object)
     _nodes[std::string(object->name())].object = std::move(object);
 }
 
-void Directory::removeObject(std::string_view name)
+void Directory::remove(std::string_view name)
 {
     _nodes.erase(_nodes.find(name));
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// One directory: what it holds by name, and who watches all that is below it. Directories stay once they are
-// made, so objects and watchers may refer to theirs.
+// One directory: what it holds by name, and who watches all that is below it. It stays while it holds
+// anything or is watched, so objects and watchers may refer to theirs. Tree makes and removes them.
 #pragma once
 
 #include "Object.h"
@@ -24,6 +24,8 @@ public:
     Directory(Directory *parent, std::string path, const Permissions &permissions);
 
     Directory *parent() const { return _parent; }
+    // Within its parent.
+    std::string_view name() const;
     // What the paths of all below begin with: the path from the root with a slash at its end; the root's is
     // empty.
     const std::string &prefix() const { return _prefix; }
@@ -33,7 +35,9 @@ public:
     const Node *find(std::string_view name) const;
     Directory &addDirectory(std::string_view name, const Permissions &permissions);
     void addObject(std::shared_ptr<Object> object);
-    void removeObject(std::string_view name);
+    void remove(std::string_view name);
+    // Nothing is left that needs it. The root is always needed.
+    bool isIdle() const { return _parent != nullptr && _nodes.empty() && _watchers.empty(); }
 
     // Those that read its ".all".
     const std::vector<AllReader *> &watchers() const { return _watchers; }

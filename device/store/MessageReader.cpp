@@ -3,11 +3,17 @@
 
 namespace kelp::device {
 
-MessageReader::MessageReader(DescriptorId id, Ring &due, std::size_t mostMessages)
+MessageReader::MessageReader(DescriptorId id, Ring &due, const StoreLimits &limits)
     : Reader(id),
       _due(due),
-      _mostMessages(mostMessages)
+      _mostMessages(limits.queuedMessages),
+      _mostBytes(limits.queuedBytes)
 {}
+
+bool MessageReader::isFullFor(std::size_t bytes) const
+{
+    return _waiting >= _mostMessages || (_waiting > 0 && _waitingBytes + bytes > _mostBytes);
+}
 
 MessageReader::Ticket MessageReader::append(std::string text, bool isNotice)
 {
@@ -21,8 +27,9 @@ MessageReader::Ticket MessageReader::append(std::string text, bool isNotice)
 
 void MessageReader::push(std::string text)
 {
-    (void)append(std::move(text), false); // messages are not taken back
     ++_waiting;
+    _waitingBytes += text.size();
+    (void)append(std::move(text), false); // messages are not taken back
 }
 
 MessageReader::Ticket MessageReader::pushNotice(std::string text)
@@ -49,8 +56,13 @@ Store::Rendered MessageReader::render()
     if (_messages.empty()) {
         return {};
     }
+    const Message &first = _messages.front();
+    if (!_firstIsRendered && !first.isNotice) {
+        --_waiting;
+        _waitingBytes -= first.text.size();
+    }
     _firstIsRendered = true;
-    return {_messages.front().text, _messages.size() > 1};
+    return {first.text, _messages.size() > 1};
 }
 
 void MessageReader::commit()
@@ -59,7 +71,6 @@ void MessageReader::commit()
         return;
     }
     _firstIsRendered = false;
-    _waiting -= _messages.front().isNotice ? 0 : 1;
     _messages.pop_front();
     if (!_messages.empty()) {
         _due.append(*this);

@@ -27,9 +27,11 @@ public:
     };
 
     // due has to outlive it.
-    MessageReader(DescriptorId id, Ring &due, std::size_t mostMessages);
+    MessageReader(DescriptorId id, Ring &due, const StoreLimits &limits);
 
-    bool isFull() const { return _waiting >= _mostMessages; }
+    // Whether one more of that size is too much for what waits. A message that has been rendered does not:
+    // its reader may have read it, and commits only when it comes for the next.
+    bool isFullFor(std::size_t bytes) const;
     void push(std::string text);
     // One that does not count towards the bound: that somebody came or went.
     Ticket pushNotice(std::string text);
@@ -44,8 +46,10 @@ private:
 
     Ring &_due;
     const std::size_t _mostMessages;
+    const std::size_t _mostBytes;
     std::list<Message> _messages;
-    std::size_t _waiting = 0; // messages that are no notices
+    std::size_t _waiting = 0; // messages that are no notices and have not been rendered
+    std::size_t _waitingBytes = 0;
     std::uint64_t _lastNumber = 0;
     bool _firstIsRendered = false;
 };

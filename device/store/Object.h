@@ -26,9 +26,9 @@ public:
     const std::string &path() const { return _path; }
     // Within its directory.
     std::string_view name() const { return std::string_view(_path).substr(_nameAt); }
-    Directory &directory() const { return _directory; }
+    Directory &directory() const { return _directory; } // until it is deleted
     const Permissions &permissions() const { return _permissions; }
-    bool isNopersist() const { return _nopersist; } // it goes with its last publisher
+    bool isNopersist() const { return _nopersist; } // it goes with its last publisher, or reader
     Revision birth() const { return _birth; }       // no two objects have the same
     Revision revision() const { return _revision; } // of its last change
     bool isDeleted() const { return _deleted; }

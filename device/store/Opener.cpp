@@ -98,7 +98,9 @@ std::unique_ptr<Descriptor> Opener::openAll(Directory &directory, const Store::O
     const AllReader::Surroundings store = {_publisher.texts(), _publisher.due(), _publisher.now(),
                                            _limits.objectBytes};
     auto reader = std::make_unique<AllReader>(id, directory, _path.options().delta, store);
-    return std::make_unique<Descriptor>(_publisher, nullptr, accessOf(flags), std::move(reader));
+    auto descriptor = std::make_unique<Descriptor>(_publisher, nullptr, accessOf(flags), std::move(reader));
+    descriptor->watch(directory);
+    return descriptor;
 }
 
 std::unique_ptr<Descriptor> Opener::openOrdinary(std::shared_ptr<Object> object,
@@ -117,7 +119,7 @@ std::unique_ptr<Descriptor> Opener::openConversation(std::shared_ptr<Object> obj
 {
     std::unique_ptr<MessageReader> reader;
     if (flags.subscribe) {
-        reader = std::make_unique<MessageReader>(id, _publisher.due(), _limits.queuedMessages);
+        reader = std::make_unique<MessageReader>(id, _publisher.due(), _limits);
     }
     MessageReader *const inbox = reader.get();
     auto descriptor =

@@ -89,6 +89,7 @@ void Publisher::remove(Object &object, bool purged)
     if (!isServed) {
         tellWatchers(object, [&](AllReader &watcher) { watcher.deleted(object); });
     }
+    _tree.prune(object.directory());
 }
 
 void Publisher::serve(Object &object, MessageReader &inbox)

@@ -28,8 +28,10 @@ public:
     void truncate(Object &object);
     // Its last publisher has gone.
     void abandon(Object &object);
-    // Keep it until this returns: its directory lets go of it.
+    // Keep it until this returns: its directory lets go of it, and may go itself.
     void remove(Object &object, bool purged);
+    // Somebody who watched it has gone.
+    void unwatch(Directory &directory) { _tree.prune(directory); }
     // Makes it an object that is served, without attributes and out of sight of ".all".
     void serve(Object &object, MessageReader &inbox);
 

@@ -15,7 +15,7 @@ int send(MessageReader &reader, std::string text, std::size_t mostBytes)
     if (text.size() > mostBytes) {
         return EMSGSIZE;
     }
-    if (reader.isFull()) {
+    if (reader.isFullFor(text.size())) {
         return EAGAIN;
     }
     reader.push(std::move(text));

@@ -74,8 +74,17 @@ int Tree::create(const ObjectPath &path, Place &place, const Permissions &permis
 
 void Tree::remove(const Object &object)
 {
-    object.directory().removeObject(object.name());
+    object.directory().remove(object.name());
     --_nodes;
+}
+
+void Tree::prune(Directory &directory)
+{
+    for (Directory *idle = &directory; idle->isIdle(); --_nodes) {
+        Directory *const parent = idle->parent();
+        parent->remove(idle->name());
+        idle = parent;
+    }
 }
 
 } // namespace kelp::device

@@ -32,6 +32,8 @@ public:
                Revision now);
 
     void remove(const Object &object);
+    // The directory goes if nothing needs it any more, and so do those above it.
+    void prune(Directory &directory);
 
 private:
     int check(const ObjectPath &path, const Place &place) const;

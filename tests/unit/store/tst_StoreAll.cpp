@@ -50,6 +50,11 @@ TEST(StoreAll, laterReadsGiveWhatChangedWithItsFlags)
     client.make("/d/e/second", "b:n:3\n");
     EXPECT_EQ(client.read(whole), "+@new\n+a:n:1\n-@first\n+@e/second\n+b:n:3\n");
     EXPECT_EQ(client.read(delta), "@outside\na:n:2\n+@d/new\n+a:n:1\n-@d/first\n+@d/e/second\n+b:n:3\n");
+    client.make("/d/x", "");
+    EXPECT_EQ(client.peek(whole), "+@x\n");
+    client.store.unlink("/d/x", StoreClient::OWNER);
+    EXPECT_EQ(client.peek(whole), "-@x\n"); // something has to replace that text, which nobody has read
+    EXPECT_EQ(client.read(whole), "-@x\n");
 }
 
 TEST(StoreAll, aReadTakesWholeObjectsAndMoreFollows)
@@ -74,7 +79,9 @@ TEST(StoreAll, aReadTakesWholeObjectsAndMoreFollows)
     EXPECT_EQ(client.read(all), "");
 
     client.make("/d/long/path/c", "x::12345\ny::\n"); // 16 bytes, with the long path 27
+    client.make("/d/z", "");
     EXPECT_EQ(client.read(all), "*+@long/path/c\n");
+    EXPECT_EQ(client.read(all), "+@z\n");
 }
 
 TEST(StoreAll, objectsThatGetAServerEndThere)
@@ -86,11 +93,9 @@ TEST(StoreAll, objectsThatGetAServerEndThere)
 
     client.open("/o?server", "rw");
     EXPECT_EQ(client.read(all), "-@o\n");
-    client.store.close(client.open("/p?nopersist", "wc"));
-    EXPECT_EQ(client.read(all), "");
-    const DescriptorId publisher = client.open("/p?nopersist", "wc");
+    const DescriptorId maker = client.open("/p?nopersist", "rc"); // that nobody publishes
     client.read(all);
-    client.store.close(publisher);
+    client.store.close(maker);
     EXPECT_EQ(client.read(all), "-!@p\n");
 }
 

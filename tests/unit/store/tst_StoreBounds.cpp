@@ -2,11 +2,13 @@
 // Those who do not read cost a bounded amount of memory, whatever the others do. Every byte that the program
 // allocates is counted.
 #include "StoreTest.h"
+#include "device/store/NameHash.h"
 
 #include <malloc.h>
 
 #include <cstdlib>
 #include <new>
+#include <set>
 
 namespace {
 
@@ -101,6 +103,26 @@ TEST(StoreBounds, objectsThatComeAndGoLeaveNothingWithThoseWhoNeverRead)
                          EXPECT_EQ(client.store.unlink(path, StoreClient::OWNER), 0);
                      }),
               SLACK);
+}
+
+TEST(StoreBounds, subscribersOfEverythingThatNeverReadCostTheSameHoweverMuchThereIs)
+{
+    StoreClient client;
+    for (int i = 0; i < 2000; ++i) {
+        client.store.close(client.make("/d/" + std::to_string(i), ""));
+    }
+    EXPECT_LT(growth(100, [&](int) { client.peek(client.open("/.all", "r")); }) / 100, 32 * 1024); // its text
+}
+
+TEST(StoreBounds, namesThatWereChosenToCollideDoNotAndNobodyKnowsWhichWould)
+{
+    std::set<std::size_t> hashes;
+    for (int i = 0; i < 64 * 1024; ++i) {
+        const std::string name = std::to_string(i);
+        hashes.insert(std::hash<std::string>()(name) % 1024 == 0 ? NameHash()(name) % 1024 : 0);
+    }
+    EXPECT_GT(hashes.size(), 32U);
+    EXPECT_NE(NameHash(1, 3)("name"), NameHash(2, 3)("name"));
 }
 
 TEST(StoreBounds, clientsThatComeAndGoDoNotFillTheInboxOfAServerThatNeverReads)
