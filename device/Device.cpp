@@ -110,7 +110,7 @@ private:
 Device::Private::Private(DeviceDirectory claimed, DeviceOptions given)
     : options(std::move(given)),
       children(options.ownsProcess ? std::make_unique<ChildProcesses>() : nullptr),
-      navigator(clock, options.settings, *this),
+      navigator(clock, options.settings, *this, options.properties),
       directory(std::move(claimed)),
       store(options.storeLimits),
       commands(navigator, {[this] { return deviceReport(state()); },
@@ -130,7 +130,8 @@ Device::Private::Private(DeviceDirectory claimed, DeviceOptions given)
             }}),
       shutdown(clock, navigator, door, children.get(), options.settings, [this] { loop.stop(); })
 {
-    stateObjects.publish(options.properties);
+    stateObjects.publish(navigator.screen());
+    stateObjects.publish(navigator.requestCounts());
     loop.setBeforeWait([this] { return beforeWait(); });
     if (options.ownsProcess) {
         loop.onSignals(signalsToTake(), [this](int number) { handleSignal(number); });
@@ -147,7 +148,7 @@ Device::Private::~Private()
 
 DeviceState Device::Private::state() const
 {
-    return {::getpid(), directory->path(), clock, navigator.applications().size()};
+    return {::getpid(), directory->path(), clock, navigator.applications().size(), navigator.screen()};
 }
 
 Outcome Device::Private::listObjects(const std::string &path) const
@@ -166,6 +167,8 @@ EventLoop::Delay Device::Private::beforeWait()
     door.sweep();
     shutdown.step();
     if (std::exchange(stateHasChanged, false)) {
+        stateObjects.publish(navigator.screen());
+        stateObjects.publish(navigator.requestCounts());
         stateObjects.publish(navigator.applications());
     }
     objects.flush();

@@ -23,6 +23,13 @@ constexpr std::array OPEN_GROUP_ARGUMENTS = {
 constexpr std::array CLOSE_GROUP_ARGUMENTS = {ArgumentSpec{"group", "ID", "the window group", true}};
 constexpr std::array LOW_MEMORY_ARGUMENTS = {
     ArgumentSpec{"severity", "SEVERITY", "0 (enough again), 1 (low) or 2 (critical)", true}, EVERY_APP};
+constexpr std::array ROTATE_ARGUMENTS = {
+    ArgumentSpec{"angle", "ANGLE", "0, 90, 180 or 270: degrees clockwise from upright", true}};
+constexpr std::array SWIPE_ARGUMENTS = {
+    ArgumentSpec{"app", "ID", "the application, which must be in front; without it, the one that is"}};
+constexpr std::array SCREEN_ARGUMENTS = {
+    ArgumentSpec{"size", "WIDTHxHEIGHT", "pixels when held upright, 1 to 16384 each, as in 768x1280", true}};
+constexpr std::array THEME_ARGUMENTS = {ArgumentSpec{"theme", "NAME", "bright or dark", true}};
 
 constexpr std::array EVENTS = {
     EventSpec{EventKind::FullScreen, "fullscreen",
@@ -44,26 +51,48 @@ constexpr std::array EVENTS = {
     EventSpec{EventKind::Confirm, "confirm", "Confirm the close prompt that is shown", APP_ARGUMENTS},
     EventSpec{EventKind::Dismiss, "dismiss", "Dismiss the close prompt that is shown", APP_ARGUMENTS},
     EventSpec{EventKind::Exit, "exit", "Have an application exit, whatever its close prompt", APP_ARGUMENTS},
+    EventSpec{EventKind::Rotate, "rotate", "Turn the device: the application in front is asked first",
+              ROTATE_ARGUMENTS},
+    EventSpec{EventKind::SwipeDown, "swipe-down", "Swipe down from the top edge of the screen",
+              SWIPE_ARGUMENTS},
+    EventSpec{EventKind::Screen, "screen", "Give the device a screen of another size", SCREEN_ARGUMENTS},
+    EventSpec{EventKind::Theme, "theme", "Give the device another theme", THEME_ARGUMENTS},
 };
 
+using Place = RequestArgument::Place;
+constexpr std::array TIMEOUT = {RequestArgument{"timeout", Place::Number, "milliseconds"}};
+constexpr std::array POOLED = {RequestArgument{"id", Place::First, "of the pooled event"}};
+constexpr std::array PROMPT = {RequestArgument{"title", Place::First, "UTF-8"},
+                               RequestArgument{"message", Place::Second, "UTF-8"}};
+constexpr std::array RAW = {RequestArgument{"text", Place::First, "PPS text"}};
+constexpr std::array BADGE = {RequestArgument{"badge", Place::Number, "0, the splat"}};
+constexpr std::array CHECK_RESPONSE = {
+    RequestArgument{"id", Place::First, "of the orientation-check event"},
+    RequestArgument{"accept", Place::Number, "1 accepts the rotation, 0 refuses it"}};
+constexpr std::array DONE = {RequestArgument{"id", Place::First, "of the orientation event"}};
+constexpr std::array ORIENTATION = {RequestArgument{"angle", Place::Number, "degrees: 0, 90, 180 or 270"}};
+constexpr std::array LOCK = {RequestArgument{"locked", Place::Number, "1 locks, 0 unlocks"}};
+
 constexpr std::array REQUESTS = {
-    RequestSpec{RequestCode::CloseWindow, "close-window", "Close the application"},
-    RequestSpec{RequestCode::ExtendTerminate, "extend-terminate", "More time before it is ended"},
-    RequestSpec{RequestCode::ExtendTimeout, "extend-timeout", "The time that its first window may take"},
-    RequestSpec{RequestCode::PooledResponse, "pooled-response", "The answer to a pooling"},
+    RequestSpec{RequestCode::CloseWindow, "close-window", "Close the application", {}},
+    RequestSpec{RequestCode::ExtendTerminate, "extend-terminate", "More time before it is ended", {}},
+    RequestSpec{RequestCode::ExtendTimeout, "extend-timeout", "The time that its first window may take",
+                TIMEOUT},
+    RequestSpec{RequestCode::PooledResponse, "pooled-response", "The answer to a pooling", POOLED},
     RequestSpec{RequestCode::SetClosePrompt, "set-close-prompt",
-                "Set what a person is asked before it closes"},
-    RequestSpec{RequestCode::ClearClosePrompt, "clear-close-prompt", "Remove the close prompt"},
-    RequestSpec{RequestCode::RawWrite, "raw-write", "A request in PPS text, such as to minimise the window"},
-    RequestSpec{RequestCode::SetBadge, "set-badge", "Show a badge on the icon"},
-    RequestSpec{RequestCode::ClearBadge, "clear-badge", "Remove the badge"},
+                "Set what a person is asked before it closes", PROMPT},
+    RequestSpec{RequestCode::ClearClosePrompt, "clear-close-prompt", "Remove the close prompt", {}},
+    RequestSpec{RequestCode::RawWrite, "raw-write", "A request in PPS text, such as to minimise the window",
+                RAW},
+    RequestSpec{RequestCode::SetBadge, "set-badge", "Show a badge on the icon", BADGE},
+    RequestSpec{RequestCode::ClearBadge, "clear-badge", "Remove the badge", {}},
     RequestSpec{RequestCode::OrientationCheckResponse, "orientation-check-response",
-                "Accept or refuse a rotation"},
-    RequestSpec{RequestCode::DoneOrientation, "done-orientation", "A rotation is finished"},
-    RequestSpec{RequestCode::SetOrientation, "set-orientation", "Turn the screen"},
-    RequestSpec{RequestCode::RotationLock, "rotation-lock", "Lock or unlock the screen's orientation"},
-    RequestSpec{RequestCode::RequestSwipeStart, "request-swipe-start", "Ask for the start of swipes"},
-    RequestSpec{RequestCode::StopSwipeStart, "stop-swipe-start", "Ask for the start of swipes no more"},
+                "Accept or refuse a rotation", CHECK_RESPONSE},
+    RequestSpec{RequestCode::DoneOrientation, "done-orientation", "A rotation is finished", DONE},
+    RequestSpec{RequestCode::SetOrientation, "set-orientation", "Turn the screen", ORIENTATION},
+    RequestSpec{RequestCode::RotationLock, "rotation-lock", "Lock or unlock the screen's orientation", LOCK},
+    RequestSpec{RequestCode::RequestSwipeStart, "request-swipe-start", "Ask for the start of swipes", {}},
+    RequestSpec{RequestCode::StopSwipeStart, "stop-swipe-start", "Ask for the start of swipes no more", {}},
 };
 static_assert(REQUESTS.size() == link::LAST_REQUEST_CODE, "a request has no name");
 
@@ -96,9 +125,14 @@ const RequestSpec *findRequest(std::string_view name)
     return find(REQUESTS, [name](const RequestSpec &spec) { return spec.name == name; });
 }
 
+const RequestSpec *findRequest(link::RequestCode code)
+{
+    return find(REQUESTS, [code](const RequestSpec &spec) { return spec.code == code; });
+}
+
 std::string_view requestName(link::RequestCode code)
 {
-    const RequestSpec *spec = find(REQUESTS, [code](const RequestSpec &row) { return row.code == code; });
+    const RequestSpec *spec = findRequest(code);
     return spec ? spec->name : "unknown-request";
 }
 

@@ -27,6 +27,10 @@ enum class EventKind {
     Confirm,
     Dismiss,
     Exit,
+    Rotate,
+    SwipeDown,
+    Screen,
+    Theme,
 };
 
 struct ArgumentSpec {
@@ -43,17 +47,28 @@ struct EventSpec {
     std::span<const ArgumentSpec> arguments;
 };
 
+// One value that a request carries.
+struct RequestArgument {
+    enum class Place { Number, First, Second }; // the member of link::Request that holds it
+
+    std::string_view name;
+    Place place;
+    std::string_view help;
+};
+
 struct RequestSpec {
     link::RequestCode code;
     std::string_view name; // on the command line and in the trace
     std::string_view help;
+    std::span<const RequestArgument> arguments; // in the order in which the trace tells them
 };
 
 std::span<const EventSpec> events();
 std::span<const RequestSpec> requests();
 
-const EventSpec *findEvent(std::string_view name);     // null: there is none
-const RequestSpec *findRequest(std::string_view name); // null: there is none
-std::string_view requestName(link::RequestCode code);  // never empty for a code of the protocol
+const EventSpec *findEvent(std::string_view name);      // null: there is none
+const RequestSpec *findRequest(std::string_view name);  // null: there is none
+const RequestSpec *findRequest(link::RequestCode code); // null: the protocol has no such code
+std::string_view requestName(link::RequestCode code);   // never empty for a code of the protocol
 
 } // namespace kelp::device

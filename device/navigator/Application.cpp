@@ -116,6 +116,9 @@ ApplicationState Application::describe() const
         state.promptShown = _closePrompt->shown;
     }
     state.windowCreationTimeout = _windowCreationTimeout;
+    state.hasBadge = _hasBadge;
+    state.isOrientationLocked = _isOrientationLocked;
+    state.wantsSwipeStart = _wantsSwipeStart;
     return state;
 }
 

@@ -63,11 +63,18 @@ public:
 
     void setWindowCreationTimeout(Duration timeout) { _windowCreationTimeout = timeout; }
 
+    bool hasBadge() const { return _hasBadge; }
+    void setBadge(bool shown) { _hasBadge = shown; }
+    bool isOrientationLocked() const { return _isOrientationLocked; }
+    void lockOrientation(bool locked) { _isOrientationLocked = locked; }
+    bool wantsSwipeStart() const { return _wantsSwipeStart; }
+    void wantSwipeStart(bool wanted) { _wantsSwipeStart = wanted; }
+
     // The sum of the extensions that the exit was granted.
     Duration extended() const { return _extended; }
     void addExtension(Duration extension) { _extended += extension; }
 
-    // The state as others see it, but for the deadlines.
+    // The state as others see it, but for the deadlines and a rotation.
     ApplicationState describe() const;
 
 private:
@@ -82,6 +89,9 @@ private:
     unsigned _lastGroupNumber = 0;
     std::optional<ClosePrompt> _closePrompt;
     Duration _windowCreationTimeout{0};
+    bool _hasBadge = false;
+    bool _isOrientationLocked = false;
+    bool _wantsSwipeStart = false;
     Duration _extended{0};
 };
 

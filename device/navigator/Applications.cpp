@@ -50,6 +50,14 @@ Application *Applications::ownerOf(std::string_view groupId) const
     return owner == _launched.end() ? nullptr : *owner;
 }
 
+Application *Applications::inFront() const
+{
+    const auto found = std::find_if(_launched.begin(), _launched.end(), [](const Application *candidate) {
+        return candidate->fullScreenGroup() && !candidate->isStopping();
+    });
+    return found == _launched.end() ? nullptr : *found;
+}
+
 unsigned Applications::freeGroupNumber(const Application &application) const
 {
     unsigned number = application.lastGroupNumber() + 1;

@@ -23,6 +23,10 @@ public:
     Application *findLaunched(std::string_view id) const; // null: there is none
     Application *ownerOf(std::string_view groupId) const; // null: there is no such group
 
+    // The one that a person at the screen deals with: it has a full-screen group and is not stopping. Null: there is
+    // none.
+    Application *inFront() const;
+
     // The number of the application's next window group, passing over ids that are in use.
     unsigned freeGroupNumber(const Application &application) const;
 

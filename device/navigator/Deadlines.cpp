@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// One short list in the order of time. The exit path and pooling set deadlines, the navigator takes them.
+// One short list in the order of time. The exit path, pooling and rotation set deadlines, the navigator takes
+// them.
 #include "Deadlines.h"
 
 #include <algorithm>
@@ -17,6 +18,10 @@ std::string nameOf(DeadlineKind kind)
         return "kill";
     case DeadlineKind::Pool:
         return "pool";
+    case DeadlineKind::OrientationCheck:
+        return "orientation-check";
+    case DeadlineKind::OrientationDone:
+        return "orientation-done";
     }
     return {};
 }

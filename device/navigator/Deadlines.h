@@ -13,9 +13,11 @@
 namespace kelp::device {
 
 enum class DeadlineKind {
-    Terminate, // the grace after the exit event is over
-    Kill,      // the process has had its SIGTERM
-    Pool,      // the answer to a pooling is due
+    Terminate,        // the grace after the exit event is over
+    Kill,             // the process has had its SIGTERM
+    Pool,             // the answer to a pooling is due
+    OrientationCheck, // the answer whether the screen may turn is due
+    OrientationDone,  // the application should have followed the screen
 };
 
 struct Deadline {

@@ -44,15 +44,35 @@ bool readSeverity(EventArguments &arguments, const std::string &text)
     return true;
 }
 
+bool readAngle(EventArguments &arguments, const std::string &text)
+{
+    const auto angle =
+        std::find_if(ANGLES.begin(), ANGLES.end(), [&](int one) { return std::to_string(one) == text; });
+    arguments.angle = angle == ANGLES.end() ? 0 : *angle;
+    return angle != ANGLES.end();
+}
+
+bool readSize(EventArguments &arguments, const std::string &text)
+{
+    const std::optional<ScreenSize> size = parseScreenSize(text);
+    arguments.size = size.value_or(ScreenSize());
+    return size.has_value();
+}
+
+bool readTheme(EventArguments &arguments, const std::string &text)
+{
+    arguments.theme = text;
+    return isTheme(text);
+}
+
 struct Reader {
     std::string_view name;
     bool (*read)(EventArguments &, const std::string &);
 };
 constexpr std::array READERS = {
-    Reader{"app", readApp},
-    Reader{"group", readGroup},
-    Reader{"id", readNewGroup},
-    Reader{"severity", readSeverity},
+    Reader{"app", readApp},           Reader{"group", readGroup}, Reader{"id", readNewGroup},
+    Reader{"severity", readSeverity}, Reader{"angle", readAngle}, Reader{"size", readSize},
+    Reader{"theme", readTheme},
 };
 
 bool read(std::string_view name, const std::string &text, EventArguments &arguments)

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "Navigator.h"
+#include "Screen.h"
 #include "device/catalogue/Catalogue.h"
 
 #include <variant>
@@ -17,6 +18,9 @@ struct EventArguments {
     std::optional<std::string> group;    // a window group's id
     std::optional<std::string> newGroup; // the id for a group that is to be opened
     int severity = 0;                    // enum navigator_severity
+    int angle = 0;                       // of the screen
+    ScreenSize size;
+    std::string theme;
 };
 
 // The values, or the reason why an argument is unknown, repeated, malformed or missing.

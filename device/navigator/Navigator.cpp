@@ -14,37 +14,44 @@ namespace kelp::device {
 class Navigator::Private
 {
 public:
-    Private(const Clock &deviceClock, const Settings &deviceSettings, NavigatorPort &port)
+    Private(const Clock &deviceClock, const Settings &deviceSettings, NavigatorPort &port,
+            const DeviceProperties &properties)
         : clock(deviceClock),
           settings(deviceSettings),
+          screen{properties},
           journal(deviceClock, port),
           delivery(port, journal),
           windows(applications, delivery, journal),
           exitPath(deviceClock, settings, port, delivery, deadlines, journal),
           pooling(deviceClock, settings, delivery, deadlines, journal),
-          requests(settings, windows, exitPath, pooling, journal),
-          personEvents(applications, windows, exitPath, pooling, delivery, journal)
+          rotation(deviceClock, settings, applications, screen, delivery, deadlines, journal),
+          requests(settings, windows, exitPath, pooling, rotation, journal),
+          personEvents(applications, screen, windows, exitPath, pooling, rotation, delivery, journal)
     {}
 
     void reached(const Deadline &deadline);
+    void count(link::RequestCode code, const Outcome &outcome);
 
     const Clock &clock;
     const Settings settings;
+    Screen screen;
     Applications applications;
     Deadlines deadlines;
     RequestFailures failures;
+    RequestCounts counts;
     Journal journal;
     Delivery delivery;
     Windows windows;
     ExitPath exitPath;
     Pooling pooling;
+    Rotation rotation;
     Requests requests;
     PersonEvents personEvents;
 };
 
 void Navigator::Private::reached(const Deadline &deadline)
 {
-    const Application *application = applications.find(deadline.process);
+    Application *application = applications.find(deadline.process);
     if (!application) {
         return; // cannot be: a process takes its deadlines with it
     }
@@ -55,11 +62,23 @@ void Navigator::Private::reached(const Deadline &deadline)
         return exitPath.killReached(*application);
     case DeadlineKind::Pool:
         return pooling.reached(*application, deadline.id);
+    case DeadlineKind::OrientationCheck:
+        return rotation.checkReached(*application);
+    case DeadlineKind::OrientationDone:
+        return rotation.turnReached(*application);
     }
 }
 
-Navigator::Navigator(const Clock &clock, const Settings &settings, NavigatorPort &port)
-    : d(std::make_unique<Private>(clock, settings, port))
+void Navigator::Private::count(link::RequestCode code, const Outcome &outcome)
+{
+    RequestCount &count = counts[code];
+    ++count.made;
+    count.refused += outcome.error ? 1 : 0;
+}
+
+Navigator::Navigator(const Clock &clock, const Settings &settings, NavigatorPort &port,
+                     const DeviceProperties &properties)
+    : d(std::make_unique<Private>(clock, settings, port, properties))
 {}
 
 Navigator::~Navigator() = default;
@@ -81,6 +100,7 @@ void Navigator::openedEvents(ProcessId process, ChannelId channel)
         d->windows.tellState(*application, channel);
     } else {
         d->windows.launch(*application);
+        d->rotation.settle();
     }
 }
 
@@ -91,6 +111,7 @@ void Navigator::disconnected(ProcessId process)
         return;
     }
     d->journal.note(*application, "gone");
+    d->rotation.forget(*application);
     d->deadlines.removeAll(process);
     d->applications.remove(process);
 }
@@ -104,10 +125,13 @@ Outcome Navigator::request(ProcessId process, const link::Request &request)
     const std::string line = "request " + describe(request);
     if (const std::optional<int> error = d->failures.take(request.code)) {
         Outcome failure = {*error, "made to fail on purpose"};
+        d->count(request.code, failure);
         d->journal.noteResult(*application, line, failure);
         return failure;
     }
     Outcome outcome = d->requests.handle(*application, request);
+    d->count(request.code, outcome);
+    d->rotation.settle();
     d->journal.noteResult(*application, line, outcome);
     return outcome;
 }
@@ -115,6 +139,7 @@ Outcome Navigator::request(ProcessId process, const link::Request &request)
 Outcome Navigator::event(const std::string &name, const ArgumentTexts &arguments)
 {
     Outcome outcome = d->personEvents.handle(name, arguments);
+    d->rotation.settle();
     d->journal.noteResult("command " + describe(name, arguments), outcome);
     return outcome;
 }
@@ -137,6 +162,7 @@ void Navigator::exitAll()
     for (Application *application : d->applications.launched()) {
         (void)d->exitPath.begin(*application); // one that exits already goes on
     }
+    d->rotation.settle();
 }
 
 std::optional<Time> Navigator::nextDeadline() const
@@ -158,8 +184,19 @@ std::vector<ApplicationState> Navigator::applications() const
     for (const Application *application : d->applications.launched()) {
         states.push_back(application->describe());
         states.back().deadlines = d->deadlines.describe(application->process(), d->clock.now());
+        states.back().rotation = d->rotation.of(*application);
     }
     return states;
+}
+
+const RequestCounts &Navigator::requestCounts() const
+{
+    return d->counts;
+}
+
+const Screen &Navigator::screen() const
+{
+    return d->screen;
 }
 
 } // namespace kelp::device

@@ -5,12 +5,14 @@
 // It is pure: no descriptor, no process, no thread, no system clock. The device hands it a clock and a port.
 #pragma once
 
+#include "Screen.h"
 #include "device/clock/Clock.h"
 #include "platform/link/Message.h"
 
 #include <sys/types.h>
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -24,11 +26,13 @@ using ChannelId = std::uint32_t; // the device's own number for an event channel
 
 // The navigator's fixed times and rules.
 struct Settings {
-    Duration grace = std::chrono::seconds(3);             // from the exit event to the process's end
-    Duration extension = std::chrono::seconds(2);         // granted by one request for more time
-    Duration extensionLimit = std::chrono::seconds(30);   // the most that all extensions may add up to
-    Duration killDelay = std::chrono::seconds(1);         // from SIGTERM to SIGKILL
-    Duration poolTimeout = std::chrono::seconds(5);       // for the answer to a pooling request
+    Duration grace = std::chrono::seconds(3);                   // from the exit event to the process's end
+    Duration extension = std::chrono::seconds(2);               // granted by one request for more time
+    Duration extensionLimit = std::chrono::seconds(30);         // the most that all extensions may add up to
+    Duration killDelay = std::chrono::seconds(1);               // from SIGTERM to SIGKILL
+    Duration poolTimeout = std::chrono::seconds(5);             // for the answer to a pooling request
+    Duration orientationCheckTimeout = std::chrono::seconds(2); // for the answer whether the screen may turn
+    Duration orientationDoneTimeout = std::chrono::seconds(5);  // for the application to follow the screen
     Duration maxWindowCreation = std::chrono::minutes(5); // the longest window-creation time that is granted
     bool endOverstaying = true;                           // false: a process that overstays is only reported
 };
@@ -66,7 +70,7 @@ public:
 
 // The state as others see it: plain data, a copy.
 struct DeadlineState {
-    std::string name; // "terminate", "kill", "pool"
+    std::string name; // "terminate", "kill", "pool", "orientation-check", "orientation-done"
     std::string id;   // of the request that is awaited, or empty
     Duration remaining{0};
 };
@@ -74,6 +78,11 @@ struct WindowGroupState {
     std::string id;
     int windowState = 0; // enum navigator_window_state
     bool active = false;
+};
+struct RotationState {
+    std::string id;
+    int angle = 0;          // degrees that the screen is to turn to, or has turned to
+    bool isTurning = false; // it has been accepted, and the application is following; else it is being asked
 };
 struct ApplicationState {
     std::string id; // the application's name on this device
@@ -85,12 +94,26 @@ struct ApplicationState {
     bool promptShown = false;          // a person has been asked and has not answered yet
     Duration windowCreationTimeout{0}; // 0: never set
     std::vector<DeadlineState> deadlines;
+    bool hasBadge = false; // the splat
+    bool isOrientationLocked = false;
+    bool wantsSwipeStart = false;
+    std::optional<RotationState> rotation; // under way with it; of all applications, one has it at most
 };
+
+// How often a request has been made, by all processes, since the device started.
+struct RequestCount {
+    unsigned made = 0;
+    unsigned refused = 0; // of these, with whatever errno
+
+    bool operator==(const RequestCount &) const = default;
+};
+using RequestCounts = std::map<link::RequestCode, RequestCount>; // without those that were never made
 
 class Navigator
 {
 public:
-    Navigator(const Clock &clock, const Settings &settings, NavigatorPort &port);
+    Navigator(const Clock &clock, const Settings &settings, NavigatorPort &port,
+              const DeviceProperties &properties = {});
     ~Navigator();
     Navigator(const Navigator &) = delete;
     Navigator &operator=(const Navigator &) = delete;
@@ -123,6 +146,8 @@ public:
     void expireDeadlines();
 
     std::vector<ApplicationState> applications() const; // in the order of their launches
+    const RequestCounts &requestCounts() const;
+    const Screen &screen() const;
 
 private:
     class Private;

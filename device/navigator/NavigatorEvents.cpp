@@ -9,6 +9,25 @@
 
 namespace kelp::device {
 
+namespace {
+
+link::Event bareEvent(int code)
+{
+    link::Event event;
+    event.code = code;
+    return event;
+}
+
+link::Event angleEvent(int code, const std::string &id, int angle)
+{
+    link::Event event = bareEvent(code);
+    event.id = id;
+    event.angle = angle;
+    return event;
+}
+
+} // namespace
+
 link::Event appStateEvent(int appState)
 {
     link::Event event;
@@ -44,9 +63,7 @@ link::Event inactiveEvent(const std::string &groupId)
 
 link::Event exitEvent()
 {
-    link::Event event;
-    event.code = NAVIGATOR_EXIT;
-    return event;
+    return bareEvent(NAVIGATOR_EXIT);
 }
 
 link::Event lowMemoryEvent(int severity)
@@ -63,6 +80,40 @@ link::Event pooledEvent(const std::string &id)
     event.code = NAVIGATOR_POOLED;
     event.id = id;
     return event;
+}
+
+link::Event orientationCheckEvent(const std::string &id, int angle)
+{
+    return angleEvent(NAVIGATOR_ORIENTATION_CHECK, id, angle);
+}
+
+link::Event orientationSizeEvent(const std::string &id, const ScreenSize &size)
+{
+    link::Event event = bareEvent(NAVIGATOR_ORIENTATION_SIZE);
+    event.id = id;
+    event.width = size.width;
+    event.height = size.height;
+    return event;
+}
+
+link::Event orientationEvent(const std::string &id, int angle)
+{
+    return angleEvent(NAVIGATOR_ORIENTATION, id, angle);
+}
+
+link::Event orientationDoneEvent(int angle)
+{
+    return angleEvent(NAVIGATOR_ORIENTATION_DONE, {}, angle);
+}
+
+link::Event swipeStartEvent()
+{
+    return bareEvent(NAVIGATOR_SWIPE_START);
+}
+
+link::Event swipeDownEvent()
+{
+    return bareEvent(NAVIGATOR_SWIPE_DOWN);
 }
 
 std::string describe(const link::Event &event)
@@ -82,6 +133,18 @@ std::string describe(const link::Event &event)
         return "low-memory " + std::to_string(event.severity);
     case NAVIGATOR_POOLED:
         return "pooled " + event.id;
+    case NAVIGATOR_ORIENTATION_CHECK:
+        return "orientation-check " + event.id + ' ' + std::to_string(event.angle);
+    case NAVIGATOR_ORIENTATION_SIZE:
+        return "orientation-size " + event.id + ' ' + screenSizeText({event.width, event.height});
+    case NAVIGATOR_ORIENTATION:
+        return "orientation " + event.id + ' ' + std::to_string(event.angle);
+    case NAVIGATOR_ORIENTATION_DONE:
+        return "orientation-done " + std::to_string(event.angle);
+    case NAVIGATOR_SWIPE_START:
+        return "swipe-start";
+    case NAVIGATOR_SWIPE_DOWN:
+        return "swipe-down";
     default:
         return "event " + std::to_string(event.code);
     }

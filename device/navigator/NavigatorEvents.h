@@ -3,6 +3,7 @@
 // interface.
 #pragma once
 
+#include "Screen.h"
 #include "platform/link/Message.h"
 
 #include <string>
@@ -16,6 +17,12 @@ link::Event inactiveEvent(const std::string &groupId);
 link::Event exitEvent();
 link::Event lowMemoryEvent(int severity);
 link::Event pooledEvent(const std::string &id);
+link::Event orientationCheckEvent(const std::string &id, int angle);
+link::Event orientationSizeEvent(const std::string &id, const ScreenSize &size);
+link::Event orientationEvent(const std::string &id, int angle);
+link::Event orientationDoneEvent(int angle);
+link::Event swipeStartEvent();
+link::Event swipeDownEvent();
 
 // The event as the trace says it, such as "window-state thumbnail lifecycle/1".
 std::string describe(const link::Event &event);

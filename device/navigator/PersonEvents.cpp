@@ -39,14 +39,34 @@ Outcome PersonEvents::handle(const std::string &name, const ArgumentTexts &texts
         return *refusal;
     }
     const EventArguments &arguments = std::get<EventArguments>(checked);
-    if (event->kind == EventKind::LowMemory) {
-        return lowMemory(arguments);
+    if (const std::optional<Outcome> outcome = handleForDevice(event->kind, arguments)) {
+        return *outcome;
     }
     const auto chosen = chooseTarget(_applications, arguments);
     if (const auto *refusal = std::get_if<Outcome>(&chosen)) {
         return *refusal;
     }
     return handleForTarget(event->kind, std::get<Target>(chosen), arguments);
+}
+
+std::optional<Outcome> PersonEvents::handleForDevice(EventKind kind, const EventArguments &arguments)
+{
+    switch (kind) {
+    case EventKind::LowMemory:
+        return lowMemory(arguments);
+    case EventKind::Rotate:
+        return _rotation.turnDevice(arguments.angle);
+    case EventKind::SwipeDown:
+        return swipeDown(arguments);
+    case EventKind::Screen:
+        _screen.properties.size = arguments.size;
+        return Outcome();
+    case EventKind::Theme:
+        _screen.properties.theme = arguments.theme;
+        return Outcome();
+    default:
+        return std::nullopt;
+    }
 }
 
 Outcome PersonEvents::handleForTarget(EventKind kind, const Target &target, const EventArguments &arguments)
@@ -77,9 +97,31 @@ Outcome PersonEvents::handleForTarget(EventKind kind, const Target &target, cons
     case EventKind::Exit:
         return _exitPath.begin(application);
     case EventKind::LowMemory:
-        break; // is not for one target
+    case EventKind::Rotate:
+    case EventKind::SwipeDown:
+    case EventKind::Screen:
+    case EventKind::Theme:
+        break; // are not for one target
     }
-    return {ENOTSUP, "the event is not offered by this device"};
+    return {EINVAL, "the event is for the device"}; // cannot be: those have been handled
+}
+
+Outcome PersonEvents::swipeDown(const EventArguments &arguments)
+{
+    Application *application = _applications.inFront();
+    if (!application) {
+        return {EPERM, "no application is in front to be swiped: bring one there with fullscreen"};
+    }
+    if (arguments.app && *arguments.app != application->id()) {
+        return {EPERM, inQuotes(*arguments.app) + " is not in front: a swipe is for " + application->id() +
+                           ", which is"};
+    }
+    Plan plan;
+    if (application->wantsSwipeStart()) {
+        plan.push_back({application, swipeStartEvent()});
+    }
+    plan.push_back({application, swipeDownEvent()});
+    return _delivery.deliver(plan);
 }
 
 Outcome PersonEvents::lowMemory(const EventArguments &arguments)

@@ -4,6 +4,7 @@
 
 #include "ExitPath.h"
 #include "Pooling.h"
+#include "Rotation.h"
 #include "Targets.h"
 #include "Windows.h"
 
@@ -12,12 +13,14 @@ namespace kelp::device {
 class PersonEvents
 {
 public:
-    PersonEvents(const Applications &applications, Windows &windows, ExitPath &exitPath, Pooling &pooling,
-                 Delivery &delivery, Journal &journal)
+    PersonEvents(const Applications &applications, Screen &screen, Windows &windows, ExitPath &exitPath,
+                 Pooling &pooling, Rotation &rotation, Delivery &delivery, Journal &journal)
         : _applications(applications),
+          _screen(screen),
           _windows(windows),
           _exitPath(exitPath),
           _pooling(pooling),
+          _rotation(rotation),
           _delivery(delivery),
           _journal(journal)
     {}
@@ -27,15 +30,20 @@ public:
 
 private:
     Outcome handleForTarget(EventKind kind, const Target &target, const EventArguments &arguments);
+    // Nothing where the event is for one application.
+    std::optional<Outcome> handleForDevice(EventKind kind, const EventArguments &arguments);
+    Outcome swipeDown(const EventArguments &arguments);
     Outcome lowMemory(const EventArguments &arguments);
     Outcome close(Application &application);
     Outcome confirm(Application &application);
     Outcome dismiss(Application &application);
 
     const Applications &_applications;
+    Screen &_screen;
     Windows &_windows;
     ExitPath &_exitPath;
     Pooling &_pooling;
+    Rotation &_rotation;
     Delivery &_delivery;
     Journal &_journal;
 };

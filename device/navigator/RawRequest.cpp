@@ -66,8 +66,8 @@ std::optional<std::string> messageOfRawRequest(std::string_view text)
         return std::nullopt;
     }
     const bool hasName = isName(pps_decoder_name(decoded.get()));
-    if (hasName &&
-        (pps_decoder_length(decoded.get()) > 1 || pps_decoder_push(decoded.get(), nullptr) != PPS_DECODER_OK)) {
+    if (hasName && (pps_decoder_length(decoded.get()) > 1 ||
+                    pps_decoder_push(decoded.get(), nullptr) != PPS_DECODER_OK)) {
         return std::nullopt;
     }
     return lastMessage(decoded.get());

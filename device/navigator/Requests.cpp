@@ -17,12 +17,27 @@ using link::RequestCode;
 bool needsApplication(RequestCode code)
 {
     return code == RequestCode::CloseWindow || code == RequestCode::ExtendTerminate ||
-           code == RequestCode::ExtendTimeout || code == RequestCode::PooledResponse;
+           code == RequestCode::ExtendTimeout || code == RequestCode::PooledResponse ||
+           code == RequestCode::OrientationCheckResponse || code == RequestCode::DoneOrientation ||
+           code == RequestCode::SetOrientation;
 }
 
 Outcome refuseOutsider(const std::string &what)
 {
     return {EINVAL, what + " is for applications: ask for the navigator's events first"};
+}
+
+std::string valueText(const link::Request &request, RequestArgument::Place place)
+{
+    switch (place) {
+    case RequestArgument::Place::Number:
+        return std::to_string(request.number);
+    case RequestArgument::Place::First:
+        return inQuotes(request.first);
+    case RequestArgument::Place::Second:
+        return inQuotes(request.second);
+    }
+    return {};
 }
 
 } // namespace
@@ -32,6 +47,11 @@ Outcome Requests::handle(Application &application, const link::Request &request)
     if (needsApplication(request.code) && !application.isLaunched()) {
         return refuseOutsider(std::string(requestName(request.code)));
     }
+    return carryOut(application, request);
+}
+
+Outcome Requests::carryOut(Application &application, const link::Request &request)
+{
     switch (request.code) {
     case RequestCode::CloseWindow:
         return _exitPath.begin(application);
@@ -47,10 +67,36 @@ Outcome Requests::handle(Application &application, const link::Request &request)
         return clearClosePrompt(application);
     case RequestCode::RawWrite:
         return rawWrite(application, request.first);
-    default:
-        return {ENOTSUP, std::string(requestName(request.code)) +
-                             " is not offered by this device: do without it, or have it fail on purpose"};
+    case RequestCode::SetBadge:
+        return setBadge(application, request.number);
+    case RequestCode::ClearBadge:
+        application.setBadge(false);
+        return {};
+    case RequestCode::OrientationCheckResponse:
+        return _rotation.answer(application, request.first, request.number != 0);
+    case RequestCode::DoneOrientation:
+        return _rotation.done(application, request.first);
+    case RequestCode::SetOrientation:
+        return _rotation.request(application, request.number);
+    case RequestCode::RotationLock:
+        application.lockOrientation(request.number != 0);
+        return {};
+    case RequestCode::RequestSwipeStart:
+    case RequestCode::StopSwipeStart:
+        application.wantSwipeStart(request.code == RequestCode::RequestSwipeStart);
+        return {};
     }
+    return {EINVAL,
+            "there is no request with the code " + std::to_string(static_cast<unsigned>(request.code))};
+}
+
+Outcome Requests::setBadge(Application &application, std::int32_t badge)
+{
+    if (badge != NAVIGATOR_BADGE_SPLAT) {
+        return {EINVAL, "there is no badge " + std::to_string(badge) + ": the only one is 0, the splat"};
+    }
+    application.setBadge(true);
+    return {};
 }
 
 Outcome Requests::extendTimeout(Application &application, std::int32_t timeoutMs)
@@ -115,10 +161,11 @@ Outcome Requests::minimise(Application &application)
 std::string describe(const link::Request &request)
 {
     std::string line(requestName(request.code));
-    for (const std::string &text : {request.first, request.second}) {
-        line += text.empty() ? "" : ' ' + inQuotes(text);
+    const RequestSpec *spec = findRequest(request.code);
+    for (const RequestArgument &argument : spec ? spec->arguments : std::span<const RequestArgument>()) {
+        line += ' ' + valueText(request, argument.place);
     }
-    return line + (request.number == 0 ? "" : ' ' + std::to_string(request.number));
+    return line;
 }
 
 } // namespace kelp::device

@@ -4,6 +4,7 @@
 
 #include "ExitPath.h"
 #include "Pooling.h"
+#include "Rotation.h"
 #include "Windows.h"
 
 namespace kelp::device {
@@ -12,17 +13,20 @@ class Requests
 {
 public:
     Requests(const Settings &settings, Windows &windows, ExitPath &exitPath, Pooling &pooling,
-             Journal &journal)
+             Rotation &rotation, Journal &journal)
         : _settings(settings),
           _windows(windows),
           _exitPath(exitPath),
           _pooling(pooling),
+          _rotation(rotation),
           _journal(journal)
     {}
 
     Outcome handle(Application &application, const link::Request &request);
 
 private:
+    Outcome carryOut(Application &application, const link::Request &request);
+    Outcome setBadge(Application &application, std::int32_t badge);
     Outcome extendTimeout(Application &application, std::int32_t timeoutMs);
     Outcome setClosePrompt(Application &application, const link::Request &request);
     Outcome clearClosePrompt(Application &application);
@@ -33,6 +37,7 @@ private:
     Windows &_windows;
     ExitPath &_exitPath;
     Pooling &_pooling;
+    Rotation &_rotation;
     Journal &_journal;
 };
 

@@ -31,4 +31,14 @@ const char *windowStateName(int windowState)
     }
 }
 
+const char *badgeName(bool hasBadge)
+{
+    return hasBadge ? "splat" : "none";
+}
+
+const char *rotationPhaseName(bool isTurning)
+{
+    return isTurning ? "turning" : "checking";
+}
+
 } // namespace kelp::device

@@ -3,6 +3,7 @@
 
 #include "StateObjects.h"
 
+#include "device/catalogue/Catalogue.h"
 #include "device/navigator/StateNames.h"
 
 #include <navigator/navigator.h>
@@ -16,6 +17,7 @@ namespace {
 
 constexpr char APPLICATIONS[] = "/services/navigator/";
 constexpr char PROPERTIES[] = "/services/deviceproperties";
+constexpr char REQUESTS[] = "/services/navigator-requests";
 constexpr Credentials DEVICE{}; // root's
 
 // A text under way. What cannot be encoded, such as a title that is no UTF-8, is left out.
@@ -33,6 +35,7 @@ public:
     }
     void add(const char *name, bool value) { (void)pps_encoder_add_bool(&_encoder, name, value); }
     void add(const char *name, int value) { (void)pps_encoder_add_int(&_encoder, name, value); }
+    void addNull(const char *name) { (void)pps_encoder_add_null(&_encoder, name); }
     template <typename Members>
     void addObject(const char *name, Members members)
     {
@@ -58,6 +61,19 @@ private:
     pps_encoder_t _encoder;
 };
 
+// Stands also where there is none: an attribute that a text leaves out keeps its value.
+void addRotation(Text &text, const std::optional<RotationState> &rotation)
+{
+    if (!rotation) {
+        return text.addNull("rotation");
+    }
+    text.addObject("rotation", [&] {
+        text.add("id", rotation->id);
+        text.add("angle", rotation->angle);
+        text.add("phase", std::string(rotationPhaseName(rotation->isTurning)));
+    });
+}
+
 std::string textOf(const ApplicationState &application)
 {
     Text text;
@@ -79,17 +95,40 @@ std::string textOf(const ApplicationState &application)
             text.add(nullptr, deadline.name);
         }
     });
+    text.add("badge", std::string(badgeName(application.hasBadge)));
+    text.add("orientationLocked", application.isOrientationLocked);
+    text.add("swipeStart", application.wantsSwipeStart);
+    addRotation(text, application.rotation);
     return text.take();
 }
 
 } // namespace
 
-void StateObjects::publish(const DeviceProperties &properties)
+void StateObjects::publish(const Screen &screen)
 {
     Text text;
-    text.add("screen_res", std::to_string(properties.width) + 'x' + std::to_string(properties.height));
-    text.add("defaultTheme", properties.theme);
+    text.add("screen_res", screenSizeText(screen.properties.size));
+    text.add("defaultTheme", screen.properties.theme);
+    text.add("angle", screen.angle);
     (void)write(PROPERTIES, _properties, text.take()); // the first object of all: there is room
+}
+
+void StateObjects::publish(const RequestCounts &counts)
+{
+    if (_requests.descriptor && counts == _counts) {
+        return; // most changes of the state are no requests
+    }
+    _counts = counts;
+    Text text;
+    for (const RequestSpec &request : requests()) {
+        const auto found = counts.find(request.code);
+        const RequestCount count = found == counts.end() ? RequestCount() : found->second;
+        text.addObject(std::string(request.name).c_str(), [&] {
+            text.add("made", static_cast<int>(count.made));
+            text.add("refused", static_cast<int>(count.refused));
+        });
+    }
+    (void)write(REQUESTS, _requests, text.take()); // the second object of all: there is room
 }
 
 void StateObjects::publish(const std::vector<ApplicationState> &applications)

@@ -12,19 +12,16 @@
 
 namespace kelp::device {
 
-// What the device is, as applications see it.
-struct DeviceProperties {
-    int width = 768; // pixels
-    int height = 1280;
-    std::string theme = "bright"; // or "dark"
-};
-
 class StateObjects
 {
 public:
     explicit StateObjects(Store &store) : _store(store) {}
 
-    void publish(const DeviceProperties &properties);
+    // What applications choose their assets by, and how the device is held.
+    void publish(const Screen &screen);
+
+    // How often each request has been made and refused, in "/pps/services/navigator-requests".
+    void publish(const RequestCounts &counts);
 
     // Publishes the applications that have changed since the last call, and deletes the objects of those that are gone.
     // What the store refuses, because it is full, is left out.
@@ -41,6 +38,8 @@ private:
     Store &_store;
     std::map<std::string, Object> _applications; // by id
     Object _properties;
+    Object _requests;
+    RequestCounts _counts; // as last published
 };
 
 } // namespace kelp::device

@@ -52,6 +52,24 @@ Json deadlines(const ApplicationState &application)
     return pending;
 }
 
+Json rotation(const ApplicationState &application)
+{
+    if (!application.rotation) {
+        return nullptr;
+    }
+    return {{"id", application.rotation->id},
+            {"angle", application.rotation->angle},
+            {"phase", rotationPhaseName(application.rotation->isTurning)}};
+}
+
+Json screenJson(const Screen &screen)
+{
+    return {{"width", screen.properties.size.width},
+            {"height", screen.properties.size.height},
+            {"theme", screen.properties.theme},
+            {"angle", screen.angle}};
+}
+
 Json applicationJson(const ApplicationState &application)
 {
     const std::int64_t windowCreation = milliseconds(application.windowCreationTimeout);
@@ -62,7 +80,11 @@ Json applicationJson(const ApplicationState &application)
             {"windowGroups", windowGroups(application)},
             {"closePrompt", closePrompt(application)},
             {"windowCreationTimeoutMs", windowCreation ? Json(windowCreation) : Json(nullptr)},
-            {"deadlines", deadlines(application)}};
+            {"deadlines", deadlines(application)},
+            {"badge", badgeName(application.hasBadge)},
+            {"orientationLocked", application.isOrientationLocked},
+            {"swipeStart", application.wantsSwipeStart},
+            {"rotation", rotation(application)}};
 }
 
 std::string line(const Json &json)
@@ -79,6 +101,7 @@ std::string deviceReport(const DeviceState &device)
                  {"directory", device.directory},
                  {"uptimeMs", milliseconds(device.clock.now())},
                  {"clock", {{"speed", device.clock.speed()}, {"frozen", device.clock.isFrozen()}}},
+                 {"screen", screenJson(device.screen)},
                  {"applications", device.applications}});
 }
 

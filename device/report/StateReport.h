@@ -16,6 +16,7 @@ struct DeviceState {
     std::string directory;
     const Clock &clock;
     std::size_t applications = 0;
+    Screen screen = {};
 };
 
 // The device's line: {"type":"device", ...}.

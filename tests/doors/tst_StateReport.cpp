@@ -16,7 +16,10 @@ TEST(StateReport, TellsTheDeviceAndThenEachApplication)
 {
     Clock clock;
     clock.setSpeed(0);
-    ApplicationState bare{"bare", 2, NAVIGATOR_APP_STOPPING, {}, false, {}, {}, false, Duration(0), {}};
+    ApplicationState bare;
+    bare.id = "bare";
+    bare.pid = 2;
+    bare.appState = NAVIGATOR_APP_STOPPING;
     ApplicationState full = bare;
     full.appState = NAVIGATOR_APP_BACKGROUND;
     full.groups = {{"g1", NAVIGATOR_WINDOW_FULLSCREEN, true}, {"g2", NAVIGATOR_WINDOW_THUMBNAIL, false}};
@@ -26,7 +29,10 @@ TEST(StateReport, TellsTheDeviceAndThenEachApplication)
     full.windowCreationTimeout = std::chrono::milliseconds(1500);
     full.deadlines = {{"pool", "p1", std::chrono::microseconds(2999)}};
 
-    std::istringstream lines(stateReport({7, "/d", clock, 2}, {bare, full}));
+    full.hasBadge = full.isOrientationLocked = full.wantsSwipeStart = true;
+    full.rotation = {"rotation-1", 270, true};
+
+    std::istringstream lines(stateReport({7, "/d", clock, 2, {{{720, 800}, "dark"}, 90}}, {bare, full}));
     nlohmann::json device;
     nlohmann::json first;
     nlohmann::json second;
@@ -49,6 +55,12 @@ TEST(StateReport, TellsTheDeviceAndThenEachApplication)
     EXPECT_EQ(second.at("closePrompt").at("title"), "no UTF-8: \xef\xbf\xbd");
     EXPECT_EQ(second.at("windowCreationTimeoutMs"), 1500);
     EXPECT_EQ(second.at("deadlines").dump(), R"([{"id":"p1","name":"pool","remainingMs":2}])");
+    EXPECT_EQ(device.at("screen").dump(), R"({"angle":90,"height":800,"theme":"dark","width":720})");
+    EXPECT_EQ(second.at("badge"), "splat");
+    EXPECT_EQ(second.at("orientationLocked"), true);
+    EXPECT_EQ(second.at("swipeStart"), true);
+    EXPECT_TRUE(first.at("rotation").is_null());
+    EXPECT_EQ(second.at("rotation").dump(), R"({"angle":270,"id":"rotation-1","phase":"turning"})");
 }
 
 } // namespace kelp::device

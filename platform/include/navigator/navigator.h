@@ -18,6 +18,7 @@
  *   EACCES        the device belongs to another user,
  *   EPROTO        the device speaks another version of the protocol,
  *   ENOTSUP       the navigator of this device does not offer the request,
+ *   EAGAIN        what follows is events, and the application has not read those before,
  *   EINVAL        an argument is NULL or out of its range,
  *   E2BIG         a text is longer than NAVIGATOR_MAX_TEXT bytes,
  *   EMFILE, ENFILE, ENOMEM  no descriptor or memory is left.
@@ -174,11 +175,15 @@ PLATFORM_EXPORT int navigator_orientation_check_response_id(const char *id, bool
 /* Reports that the application has finished the rotation with that id. EINVAL when no such report is awaited. */
 PLATFORM_EXPORT int navigator_done_orientation_id(const char *id);
 
-/* Asks for the screen to be turned to angle degrees: 0, 90, 180 or 270, else EINVAL. On success, and if id is not
- * NULL, *id is the id that the rotation's events will carry; the caller frees it with tarn_free(). */
+/* Asks for the screen to be turned to angle degrees: 0, 90, 180 or 270, else EINVAL. The application is not asked back:
+ * NAVIGATOR_ORIENTATION_SIZE and NAVIGATOR_ORIENTATION follow at once, also where the screen is at that angle already.
+ * On success, and if id is not NULL, *id is the id that the rotation's events will carry; the caller frees it with
+ * tarn_free(). EPERM for an application that is not in front, or is stopping; EBUSY while another rotation is under
+ * way. */
 PLATFORM_EXPORT int navigator_set_orientation(int angle, char **id);
 
-/* Locks the screen's orientation against every rotation that the application does not ask for, or unlocks it. */
+/* Locks the screen's orientation, while the application is in front, against every rotation that it does not ask for
+ * itself, or unlocks it. A rotation that is under way goes on. */
 PLATFORM_EXPORT int navigator_rotation_lock(bool locked);
 
 /* Asks for NAVIGATOR_SWIPE_START events; navigator_stop_swipe_start() ends that. */

@@ -70,6 +70,19 @@ private:
             return "memory " + std::to_string(event.severity);
         case NAVIGATOR_POOLED:
             return "pooled " + event.id;
+        case NAVIGATOR_ORIENTATION_CHECK:
+            return "check " + event.id + ' ' + std::to_string(event.angle);
+        case NAVIGATOR_ORIENTATION_SIZE:
+            return "size " + event.id + ' ' + std::to_string(event.width) + ' ' +
+                   std::to_string(event.height);
+        case NAVIGATOR_ORIENTATION:
+            return "turn " + event.id + ' ' + std::to_string(event.angle);
+        case NAVIGATOR_ORIENTATION_DONE:
+            return "done " + std::to_string(event.angle);
+        case NAVIGATOR_SWIPE_START:
+            return "swipe start";
+        case NAVIGATOR_SWIPE_DOWN:
+            return "swipe down";
         default:
             return "unexpected " + std::to_string(event.code);
         }

@@ -40,6 +40,15 @@ TEST_F(NavigatorCommands, refusalsNameTheArgumentAndWhatIsAllowed)
         {"open-group", {{"id", std::string(256, 'x')}}, EINVAL, "1 to 255 printable ASCII"},
         {"open-group", {{"id", "a/1"}}, EEXIST, "choose another id"},
         {"close-group", {}, EINVAL, "needs the argument group"},
+        {"rotate", {}, EINVAL, "needs the argument angle: 0, 90, 180 or 270"},
+        {"rotate", {{"angle", "45"}}, EINVAL, "\"45\" as angle: give 0, 90, 180 or 270"},
+        {"rotate", {{"angle", "360"}}, EINVAL, "\"360\" as angle"},
+        {"screen", {{"size", "768"}}, EINVAL, "\"768\" as size: give pixels when held upright"},
+        {"screen", {{"size", "0x1280"}}, EINVAL, "as size"},
+        {"screen", {{"size", "768x16385"}}, EINVAL, "as size"},
+        {"screen", {{"size", "768x99999999999"}}, EINVAL, "as size"},
+        {"screen", {{"size", "0768x1280"}}, EINVAL, "as size"},
+        {"theme", {{"theme", "Bright"}}, EINVAL, "\"Bright\" as theme: give bright or dark"},
     };
     for (const Refusal &refusal : refusals) {
         EXPECT_EQ(event(refusal.name, refusal.arguments), refusal.error) << refusal.name;
@@ -74,18 +83,20 @@ TEST_F(NavigatorCommands, withoutANameTheOnlyApplicationOrTheOneWithTheGroupIsMe
 TEST_F(NavigatorCommands, everyEventOfTheCatalogueIsOfferedWithAllItsArguments)
 {
     launch("a");
+    const std::map<std::string, std::string> values = {
+        {"severity", "1"}, {"app", "a"},          {"id", "x"},      {"group", "a/1"},
+        {"angle", "90"},   {"size", "16384x720"}, {"theme", "dark"}};
     for (const EventSpec &spec : events()) {
         Arguments arguments;
         for (const ArgumentSpec &argument : spec.arguments) {
             const std::string name(argument.name);
-            arguments.emplace_back(name, name == "severity" ? "1"
-                                         : name == "app"    ? "a"
-                                         : name == "id"     ? "x"
-                                                            : "a/1");
+            arguments.emplace_back(name, values.at(name));
         }
         const int error = event(std::string(spec.name), arguments);
         EXPECT_TRUE(error == 0 || error == EPERM) << spec.name << ": " << last.text;
     }
+    EXPECT_EQ(screenSizeText(navigator.screen().properties.size), "16384x720");
+    EXPECT_EQ(navigator.screen().properties.theme, "dark");
 }
 
 } // namespace kelp::device

@@ -218,7 +218,7 @@ TEST_F(NavigatorExit, traceTellsTheWholeStory)
     navigator.disconnected(process);
 
     const Lines expected = {
-        "0 101 a|request set-close-prompt \"Really\\n?\": done",
+        "0 101 a|request set-close-prompt \"Really\\n?\" \"\": done",
         "0 101 a|close prompt shown: \"Really\\n?\"",
         "0 0 |command close: done, the close prompt is shown: answer it with confirm or dismiss",
         "0 101 a|close prompt confirmed",

@@ -3,6 +3,8 @@
 // with.
 #include "NavigatorFixture.h"
 
+#include "device/catalogue/Catalogue.h"
+
 namespace kelp::device {
 
 using link::RequestCode;
@@ -51,7 +53,8 @@ TEST_F(NavigatorRequests, processThatIsNoApplicationMaySetItsPromptAndLittleElse
     EXPECT_EQ(request(process, RequestCode::ClearClosePrompt), 0);
     for (const RequestCode code :
          {RequestCode::CloseWindow, RequestCode::ExtendTerminate, RequestCode::ExtendTimeout,
-          RequestCode::PooledResponse, RequestCode::RawWrite}) {
+          RequestCode::PooledResponse, RequestCode::RawWrite, RequestCode::OrientationCheckResponse,
+          RequestCode::DoneOrientation, RequestCode::SetOrientation}) {
         EXPECT_EQ(request(process, code, "msg::minimizeWindow\n", 500), EINVAL) << static_cast<int>(code);
         EXPECT_TRUE(lastSays("is for applications"));
     }
@@ -59,24 +62,65 @@ TEST_F(NavigatorRequests, processThatIsNoApplicationMaySetItsPromptAndLittleElse
     EXPECT_EQ(navigator.nextDeadline(), std::nullopt);
 }
 
-TEST_F(NavigatorRequests, whatIsNotOfferedSaysSoByName)
+TEST_F(NavigatorRequests, everyRequestOfTheCatalogueIsOffered)
 {
     launch("a");
-    const std::pair<RequestCode, std::string> cases[] = {
-        {RequestCode::SetBadge, "set-badge"},
-        {RequestCode::ClearBadge, "clear-badge"},
-        {RequestCode::OrientationCheckResponse, "orientation-check-response"},
-        {RequestCode::DoneOrientation, "done-orientation"},
-        {RequestCode::SetOrientation, "set-orientation"},
-        {RequestCode::RotationLock, "rotation-lock"},
-        {RequestCode::RequestSwipeStart, "request-swipe-start"},
-        {RequestCode::StopSwipeStart, "stop-swipe-start"},
-        {static_cast<RequestCode>(99), "unknown-request"},
-    };
-    for (const auto &[code, name] : cases) {
-        EXPECT_EQ(request(1, code), ENOTSUP) << name;
-        EXPECT_TRUE(lastSays(name));
+    for (const RequestSpec &spec : requests()) {
+        const int error = request(1, spec.code, "x");
+        EXPECT_TRUE(error == 0 || error == EINVAL || error == EPERM) << spec.name << ": " << last.text;
     }
+    EXPECT_EQ(request(1, static_cast<RequestCode>(99)), EINVAL);
+    EXPECT_TRUE(lastSays("no request with the code 99"));
+}
+
+TEST_F(NavigatorRequests, badgeLockAndSwipeStartStayAsLastSet)
+{
+    const ProcessId process = launch("a");
+    struct {
+        RequestCode code;
+        int number, error;
+        bool badge, lock, swipeStart; // afterwards
+    } const wishes[] = {
+        {RequestCode::SetBadge, 1, EINVAL, false, false, false},
+        {RequestCode::SetBadge, 0, 0, true, false, false},
+        {RequestCode::SetBadge, -1, EINVAL, true, false, false},
+        {RequestCode::RotationLock, 1, 0, true, true, false},
+        {RequestCode::RequestSwipeStart, 0, 0, true, true, true},
+        {RequestCode::ClearBadge, 0, 0, false, true, true},
+        {RequestCode::RotationLock, 0, 0, false, false, true},
+        {RequestCode::StopSwipeStart, 0, 0, false, false, false},
+    };
+    for (const auto &wish : wishes) {
+        EXPECT_EQ(request(process, wish.code, {}, wish.number), wish.error) << last.text;
+        EXPECT_EQ(state().hasBadge, wish.badge);
+        EXPECT_EQ(state().isOrientationLocked, wish.lock);
+        EXPECT_EQ(state().wantsSwipeStart, wish.swipeStart);
+    }
+    EXPECT_EQ(sent(), Lines());
+}
+
+TEST_F(NavigatorRequests, swipeIsForTheApplicationInFrontAndStartsWhereThatWasRequested)
+{
+    EXPECT_EQ(event("swipe-down"), EPERM);
+    launch("a");
+    const ProcessId front = launch("b");
+    EXPECT_EQ(event("swipe-down"), 0);
+    request(1, RequestCode::RequestSwipeStart); // not in front
+    EXPECT_EQ(event("swipe-down", {{"app", "b"}}), 0);
+    EXPECT_EQ(event("swipe-down", {{"app", "a"}}), EPERM);
+    EXPECT_TRUE(lastSays("for b"));
+    EXPECT_EQ(sent(), Lines({"2: swipe down", "2: swipe down"}));
+
+    request(front, RequestCode::RequestSwipeStart);
+    port.rooms = {{front, 1}};
+    EXPECT_EQ(event("swipe-down"), EAGAIN); // not half of it
+    port.rooms.clear();
+    EXPECT_EQ(event("swipe-down"), 0);
+    request(front, RequestCode::StopSwipeStart);
+    EXPECT_EQ(event("swipe-down"), 0);
+    EXPECT_EQ(sent(), Lines({"2: swipe start", "2: swipe down", "2: swipe down"}));
+    event("exit", {{"app", "b"}});
+    EXPECT_EQ(event("swipe-down"), EPERM);
 }
 
 TEST_F(NavigatorRequests, windowCreationTakesATimeWithinItsRange)

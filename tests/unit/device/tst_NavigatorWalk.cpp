@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <random>
+#include <set>
 
 namespace kelp::device {
 
@@ -47,8 +48,10 @@ protected:
     void askSomething()
     {
         static const Lines TEXTS = {"", "msg::minimizeWindow\n", "pool-1", "pool-2"};
-        const auto code = static_cast<link::RequestCode>(1 + pick(7));
-        request(anyProcess(), code, TEXTS.at(pick(TEXTS.size())), static_cast<int>(pick(400000)));
+        static const int NUMBERS[] = {0, 1, 90, 270, 400000};
+        const auto code = static_cast<link::RequestCode>(1 + pick(link::LAST_REQUEST_CODE));
+        const std::string text = _rotation.empty() || pick(2) ? TEXTS.at(pick(TEXTS.size())) : _rotation;
+        request(anyProcess(), code, text, NUMBERS[pick(std::size(NUMBERS))]);
     }
 
     void causeSomething()
@@ -58,8 +61,9 @@ protected:
         Arguments arguments;
         if (spec.kind == EventKind::LowMemory) {
             arguments.emplace_back("severity", std::to_string(pick(3)));
-        }
-        if (!states.empty()) {
+        } else if (spec.kind == EventKind::Rotate) {
+            arguments.emplace_back("angle", std::to_string(90 * pick(4)));
+        } else if (!states.empty()) {
             const ApplicationState &target = states.at(pick(states.size()));
             const bool isAboutGroup =
                 spec.kind <= EventKind::Deactivate || spec.kind == EventKind::CloseGroup;
@@ -92,6 +96,25 @@ protected:
         EXPECT_LE(fullScreen, 1);
     }
 
+    // Whoever the screen turns with is in front, and has one time to keep.
+    void checkRotation()
+    {
+        _rotation.clear();
+        for (const ApplicationState &application : navigator.applications()) {
+            int times = 0;
+            for (const DeadlineState &deadline : application.deadlines) {
+                times += deadline.name.starts_with("orientation-");
+            }
+            EXPECT_EQ(times, application.rotation.has_value());
+            if (application.rotation) {
+                EXPECT_EQ(_rotation, "") << "a second rotation";
+                EXPECT_EQ(application.appState, NAVIGATOR_APP_FOREGROUND);
+                _rotation = application.rotation->id;
+            }
+        }
+        _rotations.insert(_rotation);
+    }
+
     void checkDeadlines() const
     {
         std::optional<Time> earliest;
@@ -108,6 +131,10 @@ protected:
 private:
     std::mt19937 _random{20240607};
     std::vector<ProcessId> _processes;
+    std::string _rotation; // that is under way, or empty
+
+protected:
+    std::set<std::string> _rotations; // all that have been seen
 };
 
 TEST_F(NavigatorWalk, everyStepLeavesTheDeviceInAStateThatMakesSense)
@@ -117,11 +144,13 @@ TEST_F(NavigatorWalk, everyStepLeavesTheDeviceInAStateThatMakesSense)
         walkOneStep();
         checkScreen();
         checkDeadlines();
+        checkRotation();
         if (HasFailure()) {
             ADD_FAILURE() << "after step " << steps << ": " << port.traces.back();
         }
         lines += sent().size();
     }
+    EXPECT_GT(_rotations.size(), 20u);
     EXPECT_GT(lines, 1000u); // else the walk has not gone anywhere
 }
 
