@@ -77,7 +77,7 @@ TEST_F(Directory, ADeviceStaysUntilItIsStoppedAndAnotherOneCannotJoinIt)
 
     EXPECT_NE(held({"status"}).find("pid " + std::to_string(device)), std::string::npos);
     EXPECT_NE(held({"status", "--json"}).find("\"pid\":" + std::to_string(device)), std::string::npos);
-    EXPECT_EQ(held({"state"}), "No application runs.\n");
+    EXPECT_EQ(held({"state"}), "No application runs.\nScreen 768x1280, bright, at 0 degrees.\n");
     expectFailure({"start"}, 1,
                   "a device already runs in " + home() + " (pid " + std::to_string(device) + ")");
     expectFailure({"event", "exit"}, 1, "");

@@ -21,6 +21,18 @@ std::string checkSeconds(const std::string &text)
     return isInRange ? "" : "\"" + text + "\" is not a number of seconds from 0 to 86400";
 }
 
+std::string checkScreen(const std::string &text)
+{
+    return device::parseScreenSize(text)
+               ? ""
+               : "\"" + text + "\" is no screen: give its pixels, 1 to 16384 each, as in 768x1280";
+}
+
+std::string checkTheme(const std::string &text)
+{
+    return device::isTheme(text) ? "" : "\"" + text + "\" is no theme: give bright or dark";
+}
+
 } // namespace
 
 void addDeviceOption(CLI::App &verb, std::string &path, const std::string &help)
@@ -44,6 +56,14 @@ void SetUpOptions::addTo(CLI::App &verb, const std::string &deviceHelp)
     addDeviceOption(verb, device, deviceHelp);
     addSecondsOption(verb, "--grace", graceSeconds, "Time from an application's exit event to its end");
     verb.add_flag("--no-kill", leavesOverstaying, "Only report an application that overstays its grace");
+    verb.add_option("--screen", screen, "The size of the screen in pixels, held upright")
+        ->type_name("WIDTHxHEIGHT")
+        ->check(checkScreen)
+        ->capture_default_str();
+    verb.add_option("--theme", theme, "The theme: bright or dark")
+        ->type_name("NAME")
+        ->check(checkTheme)
+        ->capture_default_str();
 }
 
 device::Settings SetUpOptions::settings() const
@@ -53,6 +73,11 @@ device::Settings SetUpOptions::settings() const
         std::chrono::duration_cast<device::Duration>(std::chrono::duration<double>(graceSeconds));
     settings.endOverstaying = !leavesOverstaying;
     return settings;
+}
+
+device::DeviceProperties SetUpOptions::properties() const
+{
+    return {device::parseScreenSize(screen).value_or(device::ScreenSize()), theme};
 }
 
 std::function<void(const device::TraceEntry &)> traceTo(const std::string &path)

@@ -27,9 +27,12 @@ struct SetUpOptions {
     std::string device;
     double graceSeconds = 3;
     bool leavesOverstaying = false;
+    std::string screen = device::screenSizeText(device::DeviceProperties().size);
+    std::string theme = device::DeviceProperties().theme;
 
     void addTo(CLI::App &verb, const std::string &deviceHelp);
     device::Settings settings() const;
+    device::DeviceProperties properties() const;
 };
 
 // A trace that goes to a file, or to standard error when the path is empty. Throws std::system_error.

@@ -63,7 +63,7 @@ std::string DeviceClient::ask(const std::string &verb, Arguments arguments)
     return exchange(link::Command{verb, std::move(arguments)});
 }
 
-void DeviceClient::awaitEnd(std::chrono::milliseconds timeout)
+bool DeviceClient::endsWithin(std::chrono::milliseconds timeout) const
 {
     const auto end = std::chrono::steady_clock::now() + timeout;
     pollfd socket{_socket.get(), POLLIN, 0};
@@ -73,7 +73,12 @@ void DeviceClient::awaitEnd(std::chrono::milliseconds timeout)
             std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now()).count();
         ready = ::poll(&socket, 1, static_cast<int>(std::max<std::int64_t>(left, 0)));
     } while (ready < 0 && errno == EINTR);
-    if (ready <= 0) {
+    return ready > 0;
+}
+
+void DeviceClient::awaitEnd(std::chrono::milliseconds timeout) const
+{
+    if (!endsWithin(timeout)) {
         throw Failure(EXIT_TIME_OUT,
                       "the device in " + _directory +
                           " has not ended yet: wait for its applications, or stop it once more to "

@@ -25,8 +25,11 @@ public:
     // EXIT_NO_DEVICE when the device goes away.
     std::string ask(const std::string &verb, Arguments arguments = {});
 
-    // Waits until the device has ended and left its directory. Throws Failure: EXIT_TIME_OUT.
-    void awaitEnd(std::chrono::milliseconds timeout);
+    // Waits until the device has ended and left its directory: true, or false when the time is up.
+    bool endsWithin(std::chrono::milliseconds timeout) const;
+
+    // The same, but throws Failure, EXIT_TIME_OUT, when the time is up.
+    void awaitEnd(std::chrono::milliseconds timeout) const;
 
 private:
     std::string exchange(link::Body body);

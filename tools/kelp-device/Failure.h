@@ -12,6 +12,7 @@ enum ExitCode {
     EXIT_REFUSED = 1,   // the device refused
     EXIT_USAGE = 2,     // wrong usage
     EXIT_NO_DEVICE = 3, // there is no device to ask
+    EXIT_CRASHED = 4,   // run with a scenario: a signal ended the application
     EXIT_TIME_OUT = 124,
     EXIT_SET_UP = 125, // run: the device itself could not be set up
 };

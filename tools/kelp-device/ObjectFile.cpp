@@ -40,23 +40,15 @@ void useDevice(const std::string &option)
 {
     const std::string directory = deviceDirectory(option);
     const DeviceClient knock(directory); // says better than an errno what is wrong with a device
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread
+    useDeviceIn(directory);
+}
+
+void useDeviceIn(const std::string &directory)
+{
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): no other thread reads it yet
     if (::setenv("KELP_DEVICE", directory.c_str(), 1) != 0) {
         throw std::system_error(errno, std::generic_category(), "cannot set KELP_DEVICE");
     }
-}
-
-std::string objectPath(const std::string &given)
-{
-    if (given.find('?') != std::string::npos) {
-        throw Failure(EXIT_USAGE, "options are not for the command line: leave the ? and what follows out");
-    }
-    const bool isBelow = given == ROOT || given.starts_with(std::string(ROOT) + '/');
-    std::string path = isBelow ? given.substr(sizeof ROOT - 1) : given;
-    while (path.ends_with('/')) {
-        path.pop_back();
-    }
-    return path.starts_with('/') ? path : '/' + path;
 }
 
 void deleteObject(const std::string &path)

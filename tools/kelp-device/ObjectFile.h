@@ -11,9 +11,8 @@ namespace kelp::tool {
 // Makes the device that --device names the one whose objects this process uses. Throws Failure as DeviceClient does.
 void useDevice(const std::string &option);
 
-// The path below "/pps" that somebody has given with or without it: "/services/power/battery", "/" for the root.
-// Throws Failure for one with options, which are not for people.
-std::string objectPath(const std::string &given);
+// The same of one that need not answer yet; to be called before there are threads that use objects.
+void useDeviceIn(const std::string &directory);
 
 // Deletes an object. Throws ObjectFailure.
 void deleteObject(const std::string &path);

@@ -4,6 +4,7 @@
 #include "Failure.h"
 #include "ObjectFile.h"
 #include "ObjectJson.h"
+#include "PathArgument.h"
 #include "PpsVerbs.h"
 
 #include <CLI/CLI.hpp>

@@ -4,7 +4,7 @@
 #include "DeviceClient.h"
 #include "DeviceLocation.h"
 #include "Failure.h"
-#include "ObjectFile.h"
+#include "PathArgument.h"
 #include "PpsVerbs.h"
 #include "Report.h"
 #include "TextTable.h"

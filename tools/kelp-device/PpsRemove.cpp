@@ -3,6 +3,7 @@
 
 #include "Failure.h"
 #include "ObjectFile.h"
+#include "PathArgument.h"
 #include "PpsVerbs.h"
 
 #include <CLI/CLI.hpp>

@@ -4,6 +4,7 @@
 #include "AttributeLines.h"
 #include "Failure.h"
 #include "ObjectFile.h"
+#include "PathArgument.h"
 #include "PpsVerbs.h"
 
 #include <CLI/CLI.hpp>

@@ -6,6 +6,7 @@
 #include "ObjectFailure.h"
 #include "ObjectFile.h"
 #include "ObjectJson.h"
+#include "PathArgument.h"
 #include "PpsVerbs.h"
 
 #include <CLI/CLI.hpp>

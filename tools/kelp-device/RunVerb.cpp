@@ -5,6 +5,7 @@
 #include "CommandOptions.h"
 #include "DeviceLocation.h"
 #include "Failure.h"
+#include "ScenarioSession.h"
 #include "Verb.h"
 #include "device/Device.h"
 #include "device/process/Terminal.h"
@@ -23,6 +24,8 @@ struct RunOptions {
     SetUpOptions setUp;
     std::string trace; // a path, or STANDARD_ERROR; empty: none
     bool takesTerminal = false;
+    std::string scenario; // a path; empty: none
+    bool json = false;
 };
 
 // The application stands behind the options that the parser sees, and so in none of its usage lines.
@@ -45,11 +48,25 @@ device::DeviceOptions deviceOptions(const RunOptions &options)
 {
     device::DeviceOptions result;
     result.settings = options.setUp.settings();
+    result.properties = options.setUp.properties();
     result.ownsProcess = true;
     if (!options.trace.empty()) {
         result.trace = traceTo(options.trace == STANDARD_ERROR ? "" : options.trace);
     }
     return result;
+}
+
+// Returns the application's exit code.
+int runDevice(const RunOptions &options, const Invocation &invocation, ScenarioSession *session)
+{
+    device::Device device(claimDirectory(options.setUp.device), deviceOptions(options));
+    device::Launch launch{invocation.application, {}, options.takesTerminal};
+    if (!session) {
+        device.launch(std::move(launch));
+        return device.run();
+    }
+    const auto hold = session->begin(device, std::move(launch), options.setUp.settings().grace);
+    return device.run();
 }
 
 int runApplication(const RunOptions &options, const Invocation &invocation)
@@ -60,10 +77,13 @@ int runApplication(const RunOptions &options, const Invocation &invocation)
     if (options.takesTerminal && !device::Terminal::isThere()) {
         throw Failure(EXIT_SET_UP, "standard input is no terminal: leave --terminal out");
     }
+    std::unique_ptr<ScenarioSession> session;
+    if (!options.scenario.empty()) {
+        session = std::make_unique<ScenarioSession>(options.scenario, options.json);
+    }
     try {
-        device::Device device(claimDirectory(options.setUp.device), deviceOptions(options));
-        device.launch({invocation.application, {}, options.takesTerminal});
-        return device.run();
+        const int code = runDevice(options, invocation, session.get());
+        return session ? session->finish(code) : code;
     } catch (const device::LaunchError &error) {
         throw Failure(error.exitCode(), error.what());
     } catch (const std::exception &error) {
@@ -84,7 +104,16 @@ Action addRun(CLI::App &verb, const Invocation &invocation)
         ->default_str(STANDARD_ERROR);
     verb.add_flag("--terminal", options->takesTerminal,
                   "Give the terminal to APP, Ctrl-C included: for debuggers");
+    CLI::Option *scenario =
+        verb.add_option("--scenario", options->scenario, "Carry out the steps in FILE")->type_name("FILE");
+    verb.add_flag("--json", options->json, "Report the scenario's steps as JSON, one object a line")
+        ->needs(scenario);
     verb.footer(
+        stepHelp() +
+        "\n\n"
+        "With a scenario, the exit code is 0 when every step held, 1 when one did not, 4 when a signal ended "
+        "APP,\n"
+        "124 when a step timed out.\n\n"
         "Exit code: APP's own, or 128 and the signal that ended it; 125 when the device cannot be set up,\n"
         "126 when APP cannot be run, 127 when there is no APP.");
     return [options, &invocation] {

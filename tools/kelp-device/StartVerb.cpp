@@ -28,6 +28,7 @@ int runDevice(const std::string &path, const StartOptions &options, const std::f
     device::DeviceDirectory directory = device::DeviceDirectory::at(path); // first: the trace may lie in it
     device::DeviceOptions deviceOptions;
     deviceOptions.settings = options.setUp.settings();
+    deviceOptions.properties = options.setUp.properties();
     deviceOptions.ownsProcess = true;
     deviceOptions.trace = traceTo(options.trace.empty() ? path + "/trace.log" : options.trace);
     device::Device device(std::move(directory), std::move(deviceOptions));

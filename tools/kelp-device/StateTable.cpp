@@ -35,15 +35,54 @@ std::string promptOf(const Json &prompt)
     return (prompt.at("shown").get<bool>() ? "shown, " : "set, ") + text;
 }
 
+void append(std::string &list, const std::string &item)
+{
+    list += (list.empty() ? "" : ", ") + item;
+}
+
 std::string deadlinesOf(const Json &application)
 {
     std::string text;
     for (const Json &deadline : application.at("deadlines")) {
         const std::string id = printable(deadline.at("id"));
-        text += (text.empty() ? "" : ", ") + printable(deadline.at("name")) + (id.empty() ? "" : " " + id) +
-                " in " + seconds(deadline.at("remainingMs"));
+        append(text, printable(deadline.at("name")) + (id.empty() ? "" : " " + id) + " in " +
+                         seconds(deadline.at("remainingMs")));
     }
     return text.empty() ? "-" : text;
+}
+
+// What the application has set, beside its close prompt.
+std::string settingsOf(const Json &application)
+{
+    std::string text;
+    if (application.at("badge") != "none") {
+        append(text, "badge " + printable(application.at("badge")));
+    }
+    if (application.at("orientationLocked").get<bool>()) {
+        append(text, "orientation lock");
+    }
+    if (application.at("swipeStart").get<bool>()) {
+        append(text, "swipe start");
+    }
+    if (const Json &timeout = application.at("windowCreationTimeoutMs"); !timeout.is_null()) {
+        append(text, "first window in " + seconds(timeout));
+    }
+    return text.empty() ? "-" : text;
+}
+
+std::string rotationOf(const Json &application)
+{
+    const Json &rotation = application.at("rotation");
+    if (rotation.is_null()) {
+        return "-";
+    }
+    return printable(rotation.at("phase")) + ' ' + rotation.at("angle").dump();
+}
+
+std::string screenLine(const Json &screen)
+{
+    return "Screen " + screen.at("width").dump() + 'x' + screen.at("height").dump() + ", " +
+           printable(screen.at("theme")) + ", at " + screen.at("angle").dump() + " degrees.\n";
 }
 
 // One row a window group; what is the application's own stands in the first.
@@ -55,6 +94,8 @@ void addApplication(std::vector<Row> &rows, const Json &application)
             "-",
             "-",
             deadlinesOf(application),
+            rotationOf(application),
+            settingsOf(application),
             promptOf(application.at("closePrompt"))};
     for (const Json &group : application.at("windowGroups")) {
         row[3] = printable(group.at("id"));
@@ -83,13 +124,17 @@ std::string statusText(const std::string &report)
 
 std::string stateTable(const std::string &report)
 {
-    std::vector<Row> rows{{"APPLICATION", "PID", "PROCESS", "GROUP", "WINDOW", "DEADLINES", "CLOSE PROMPT"}};
-    forEachObject(report, [&rows](const Json &object) {
+    std::vector<Row> rows{
+        {"APPLICATION", "PID", "PROCESS", "GROUP", "WINDOW", "DEADLINES", "ROTATION", "SET", "CLOSE PROMPT"}};
+    std::string screen;
+    forEachObject(report, [&](const Json &object) {
         if (object.at("type") == "application") {
             addApplication(rows, object);
+        } else {
+            screen = screenLine(object.at("screen"));
         }
     });
-    return rows.size() > 1 ? aligned(rows) : "No application runs.\n";
+    return (rows.size() > 1 ? aligned(rows) : "No application runs.\n") + screen;
 }
 
 } // namespace kelp::tool

@@ -30,5 +30,6 @@ Action addStart(CLI::App &verb, const Invocation &invocation);
 Action addState(CLI::App &verb, const Invocation &invocation);
 Action addStatus(CLI::App &verb, const Invocation &invocation);
 Action addStop(CLI::App &verb, const Invocation &invocation);
+Action addWait(CLI::App &verb, const Invocation &invocation);
 
 } // namespace kelp::tool

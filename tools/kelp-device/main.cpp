@@ -29,6 +29,7 @@ constexpr VerbSpec VERBS[] = {
     {"stop", "Stop a device: its applications first, in order", addStop},
     {"event", "Cause an event, as a person or the system would", addEvent},
     {"state", "Show the applications and their windows, prompts and deadlines", addState},
+    {"wait", "Wait until a condition holds", addWait},
     {"fail", "Make an application's requests fail", addFail},
     {"pps", "List, read, write, watch and delete publish/subscribe objects", addPps},
 };
