@@ -38,7 +38,7 @@ QVariantMap readAttributes()
         qWarning() << "UIToolkitSupport: Unable to decode" << PROPERTIES_PATH;
         return {};
     }
-    const QVariantMap attributes = objects.isEmpty() ? QVariantMap() : objects.first().toMap();
+    QVariantMap attributes = objects.isEmpty() ? QVariantMap() : objects.first().toMap();
     if (!attributes.contains(THEME_ATTRIBUTE) || !attributes.contains(RESOLUTION_ATTRIBUTE)) {
         qWarning() << "UIToolkitSupport: Unable to read resolution and theme from" << PROPERTIES_PATH;
         return {};

@@ -138,9 +138,10 @@ PpsAttributeMap PpsObject::decodeWithFlags(const QByteArray &data, PpsAttribute 
 {
     return attempt(ok, [&data, objectAttribute] {
         PpsText text(data);
-        const PpsAttributeMap objects = PpsDecoder(text.decoder()).decodeObject();
+        PpsAttributeMap objects = PpsDecoder(text.decoder()).decodeObject();
         if (objectAttribute && !objects.isEmpty()) {
-            *objectAttribute = PpsAttributePrivate::make(objects.firstKey(), objects.first().flags());
+            const auto first = objects.cbegin();
+            *objectAttribute = PpsAttributePrivate::make(first.key(), first.value().flags());
         }
         return objects;
     });

@@ -29,10 +29,10 @@ using DescriptorId = std::uint32_t; // an open descriptor; from 1, never used tw
 
 // What objects may take up. Past a bound the caller gets an errno.
 struct StoreLimits {
-    std::size_t objectBytes = 65536;       // of one object's text, and of one write (EMSGSIZE)
-    std::size_t objects = 131072;          // objects and directories (ENOSPC)
-    std::size_t queuedMessages = 64;       // that wait for one server, or for one client of it (EAGAIN)
-    std::size_t queuedBytes = 1024 * 1024; // of those; a single message always has room (EAGAIN)
+    std::size_t objectBytes = 65536;   // of one object's text, and of one write (EMSGSIZE)
+    std::size_t objects = 131072;      // objects and directories (ENOSPC)
+    std::size_t queuedMessages = 64;   // that wait for one server, or for one client of it (EAGAIN)
+    std::size_t queuedBytes = 1048576; // of those; a single message always has room (EAGAIN)
     std::size_t rememberedNames =
         1024; // deleted attributes of one object that slow subscribers have still to hear of;
               // beyond, those get the whole object again, flagged truncated

@@ -209,7 +209,7 @@ bool undoEscapes(char *from, char *end)
         if (++at == end) {
             return false;
         }
-        int byte = C_ESCAPES[static_cast<unsigned char>(*at)];
+        int byte = static_cast<unsigned char>(C_ESCAPES[static_cast<unsigned char>(*at)]);
         if (byte != 0) {
             ++at;
         } else if ((byte = readByte(at, end)) <= 0 || byte > 0xff) {
@@ -248,8 +248,7 @@ char *writeWithJsonEscapes(char *at, std::string_view text)
         } else if (letterOf(byte) && byte != '\a' && byte != '\v') {
             at = writeEscaped(at, letterOf(byte));
         } else {
-            std::memcpy(at, "\\u00", 4);
-            at = writeHex(at + 4, byte);
+            at = writeHex(std::copy_n("\\u00", 4, at), byte);
         }
     }
     return at;

@@ -123,7 +123,8 @@ char *writeShortDouble(char *at, double value)
     }
     std::int64_t power = 10;
     for (int decimals = 1; decimals <= 3; ++decimals, power *= 10) {
-        const auto digits = static_cast<std::int64_t>(size * static_cast<double>(power) + 0.5);
+        const double rounded = size * static_cast<double>(power) + 0.5; // nearly: the next line decides
+        const auto digits = static_cast<std::int64_t>(rounded);
         if (static_cast<double>(digits) / static_cast<double>(power) == size) {
             *at = '-';
             at = std::to_chars(at + (value < 0), at + LONGEST_NUMBER, digits / power).ptr;

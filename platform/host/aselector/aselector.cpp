@@ -13,7 +13,8 @@
 
 using namespace kelp::platform;
 
-static_assert(TARN_SUCCESS == 0 && TARN_FAILURE == -1); // the results of these functions too
+constexpr int FAILURE = -1; // the result of these functions
+static_assert(TARN_FAILURE == FAILURE);
 
 struct aselector_context {
     DeviceTraits device;

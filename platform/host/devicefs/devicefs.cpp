@@ -19,7 +19,8 @@ using namespace kelp;
 using namespace kelp::platform;
 using Kind = link::PathCall::Kind;
 
-static_assert(TARN_FAILURE == -1); // the result of these functions too
+constexpr int FAILURE = -1; // the result of these functions
+static_assert(TARN_FAILURE == FAILURE);
 
 namespace {
 
