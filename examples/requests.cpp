@@ -86,8 +86,8 @@ void end(kelp::Application &app)
     QObject::connect(&app, &Application::pooling, [&app](const QString &id) {
         sayAsset();
         app.poolingComplete(id);
-        say("end", app.requestExit());
     });
+    QObject::connect(&app, &Application::invisible, [&app] { say("end", app.requestExit()); });
     QObject::connect(&app, &Application::manualExit, [&app] {
         say("more time", app.extendTerminationTimeout());
         app.quit();
