@@ -95,6 +95,11 @@ public:
     void trace(const TraceEntry &entry) override
     {
         stateHasChanged = true; // whatever the navigator decides, it says so
+        note(entry);
+    }
+    // What changes nothing of the navigator's state, such as an object that a client opens.
+    void note(const TraceEntry &entry) const
+    {
         if (options.trace) {
             options.trace(entry);
         }
@@ -121,7 +126,7 @@ Device::Private::Private(DeviceDirectory claimed, DeviceOptions given)
                            }}),
       objects(loop, store, options.limits,
               [this](pid_t pid, const std::string &text) {
-                  trace({clock.now(), pid, {}, text});
+                  note({clock.now(), pid, {}, text});
               }),
       door(loop, navigator, objects, directory->path(), options.limits,
            {[this](const link::Command &command) { return commands.run(command); },
