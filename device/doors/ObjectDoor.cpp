@@ -113,6 +113,7 @@ Outcome ObjectDoor::call(ProcessId client, const link::DescriptorCall &call)
 {
     const auto found = _descriptors.find(call.descriptor);
     if (found == _descriptors.end() || found->second.client != client) {
+        flush(); // its end may have hung up just before, and that has closed it
         return {EBADF, {}};
     }
     if (call.kind == link::DescriptorCall::Kind::Close) {
