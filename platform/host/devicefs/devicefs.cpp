@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// The C functions of devicefs.h: each finds out whether it is about an object or about a file of the host.
+// The C functions of devicefs.h: each finds out whether it is about an object, about an entry of "/proc" that
+// has the device's meaning, or about a file of the host.
 
 #include "DescriptorTable.h"
 #include "ObjectPath.h"
+#include "ProcEntry.h"
 #include "objects.h"
 #include "platform/host/Result.h"
 
@@ -164,8 +166,11 @@ int devicefs_access(const char *path, int mode)
         if (!path) {
             return EFAULT;
         }
-        const auto object = objectPath(path);
-        return object ? callOnPath(Kind::Access, *object, mode) : errnoOf(::access(path, mode));
+        if (const auto object = objectPath(path)) {
+            return callOnPath(Kind::Access, *object, mode);
+        }
+        const auto entry = ProcEntry::at(path);
+        return entry ? entry->access(mode) : errnoOf(::access(path, mode));
     });
 }
 
@@ -178,6 +183,9 @@ int64_t devicefs_size(const char *path)
         }
         if (const auto object = objectPath(path)) {
             return callOnPath(Kind::Size, *object, 0, &size);
+        }
+        if (const auto entry = ProcEntry::at(path)) {
+            return entry->size(size);
         }
         struct stat file {
         };

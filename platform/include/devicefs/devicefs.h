@@ -1,8 +1,9 @@
 /* SPDX-License-Identifier: Apache-2.0 */
 /*
- * The device's file system as an application sees it. Paths under "/pps/" are objects of the device's persistent
- * publish/subscribe service; every other path is the host's own, and the functions below then do exactly what the POSIX
- * functions of the same names do.
+ * The device's file system as an application sees it. Paths under "/pps/" are objects of the device's
+ * persistent publish/subscribe service; "/proc" and "/proc/<pid>/as" have sizes that tell of memory, as they
+ * have on the device (see devicefs_access() and devicefs_size()); every other path is the host's own, and the
+ * functions below then do exactly what the POSIX functions of the same names do.
  *
  *     int fd = devicefs_open("/pps/services/power/battery?delta", O_RDONLY, 0);
  *     while (poll(&(struct pollfd){fd, POLLIN, 0}, 1, -1) == 1) {
@@ -112,10 +113,31 @@ PLATFORM_EXPORT long devicefs_fpathconf(int fd, int name);
 /* Deletes an object, whose subscribers read one last "-@name", or a file. ENOENT: there is none; EISDIR: a directory. */
 PLATFORM_EXPORT int devicefs_unlink(const char *path);
 
-/* Whether a path exists (F_OK) and may be read, written (R_OK, W_OK), as access(2). */
+/*
+ * Whether a path exists (F_OK) and may be read, written (R_OK, W_OK), as access(2).
+ *
+ * "/proc/<pid>/as", where <pid> is a process id in decimal or "self", exists as long as the process does, and
+ * may be read where devicefs_size() can tell its size, which is all that there is to read: it cannot be
+ * opened.
+ *   ENOENT  no such process, or the system hides it,
+ *   EACCES  the system keeps the process's figures from the caller; W_OK, X_OK: always.
+ */
 PLATFORM_EXPORT int devicefs_access(const char *path, int mode);
 
-/* The size of what is at a path, in bytes, as stat(2) tells it; of an object: of its text. */
+/*
+ * The size of what is at a path, in bytes, as stat(2) tells it; of an object: of its text.
+ *
+ * Of "/proc": free physical memory, which is what the process can have without anything being swapped out;
+ * memory that the system takes back at need, such as copies of files, counts as free. Where control groups
+ * limit the process's memory, no more than what is left of each limit. 0 or more.
+ *
+ * Of "/proc/<pid>/as" (see devicefs_access()): the physical memory that the process uses, its resident set,
+ * shared pages included; 0 for a process that has ended and has not been waited for.
+ *
+ * Both are taken anew at each call.
+ *   ENOENT, EACCES  as devicefs_access() has them,
+ *   EIO             the system does not tell the figure.
+ */
 PLATFORM_EXPORT int64_t devicefs_size(const char *path);
 
 PLATFORM_END_DECLS
