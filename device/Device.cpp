@@ -8,6 +8,8 @@
 #include "device/doors/ObjectDoor.h"
 #include "device/doors/SocketDoor.h"
 #include "device/loop/EventLoop.h"
+#include "device/manifest/ManifestFile.h"
+#include "device/pressure/MemoryPressure.h"
 #include "device/report/ObjectReport.h"
 #include "device/report/StateReport.h"
 
@@ -22,6 +24,11 @@
 namespace kelp::device {
 
 namespace {
+
+std::optional<Time> earlier(std::optional<Time> one, std::optional<Time> other)
+{
+    return one && other ? std::min(one, other) : one ? one : other;
+}
 
 // The signals to take: a shell or nohup(1) that has one ignored wants it to stay so.
 std::vector<int> signalsToTake()
@@ -72,6 +79,7 @@ public:
     ~Private() override;
 
     DeviceState state() const;
+    std::optional<MemoryPressure> followMemoryPressure();
     Outcome listObjects(const std::string &path) const;
     EventLoop::Delay beforeWait();
     void handleSignal(int number);
@@ -82,6 +90,7 @@ public:
     std::unique_ptr<ChildProcesses> children; // before the loop changes what they are to inherit
     EventLoop loop;
     Navigator navigator;
+    std::optional<MemoryPressure> memoryPressure;
     std::optional<DeviceDirectory> directory;
     Store store;
     StateObjects stateObjects{store};
@@ -110,12 +119,14 @@ private:
     void sendTo(ChannelId channel, const link::Event &event) override { door.sendTo(channel, event); }
     bool hasRoom(ProcessId process, std::size_t events) override { return door.hasRoom(process, events); }
     void signal(ProcessId process, int number) override { door.signal(process, number); }
+    Label label(pid_t pid) override;
 };
 
 Device::Private::Private(DeviceDirectory claimed, DeviceOptions given)
     : options(std::move(given)),
       children(options.ownsProcess ? std::make_unique<ChildProcesses>() : nullptr),
       navigator(clock, options.settings, *this, options.properties),
+      memoryPressure(followMemoryPressure()),
       directory(std::move(claimed)),
       store(options.storeLimits),
       commands(navigator, {[this] { return deviceReport(state()); },
@@ -135,7 +146,7 @@ Device::Private::Private(DeviceDirectory claimed, DeviceOptions given)
             }}),
       shutdown(clock, navigator, door, children.get(), options.settings, [this] { loop.stop(); })
 {
-    stateObjects.publish(navigator.screen());
+    stateObjects.publish(navigator.screen(), navigator.memorySeverity());
     stateObjects.publish(navigator.requestCounts());
     loop.setBeforeWait([this] { return beforeWait(); });
     if (options.ownsProcess) {
@@ -153,7 +164,29 @@ Device::Private::~Private()
 
 DeviceState Device::Private::state() const
 {
-    return {::getpid(), directory->path(), clock, navigator.applications().size(), navigator.screen()};
+    return {::getpid(),         directory->path(),         clock, navigator.applications().size(),
+            navigator.screen(), navigator.memorySeverity()};
+}
+
+std::optional<MemoryPressure> Device::Private::followMemoryPressure()
+{
+    if (options.memoryPressureFile.empty()) {
+        return std::nullopt;
+    }
+    return MemoryPressure(clock, options.memoryPressureFile,
+                          {[this](int severity) { navigator.setMemorySeverity(severity); },
+                           [this](const std::string &text) {
+                               note({clock.now(), 0, {}, text});
+                           }});
+}
+
+Label Device::Private::label(pid_t pid)
+{
+    const ManifestReading reading = readManifest(pid);
+    if (!reading.problem.empty()) {
+        note({clock.now(), pid, {}, "manifest not used: " + reading.problem});
+    }
+    return reading.manifest ? Label{reading.manifest->title(), reading.manifest->version()} : Label();
 }
 
 Outcome Device::Private::listObjects(const std::string &path) const
@@ -171,18 +204,20 @@ EventLoop::Delay Device::Private::beforeWait()
     navigator.expireDeadlines();
     door.sweep();
     shutdown.step();
+    if (memoryPressure) {
+        memoryPressure->step();
+    }
     if (std::exchange(stateHasChanged, false)) {
-        stateObjects.publish(navigator.screen());
+        stateObjects.publish(navigator.screen(), navigator.memorySeverity());
         stateObjects.publish(navigator.requestCounts());
         stateObjects.publish(navigator.applications());
     }
     objects.flush();
-    const std::optional<Time> mine = shutdown.nextDeadline();
-    const std::optional<Time> navigators = navigator.nextDeadline();
-    if (mine && navigators) {
-        return clock.realTimeUntil(std::min(*mine, *navigators));
+    std::optional<Time> deadline = earlier(shutdown.nextDeadline(), navigator.nextDeadline());
+    if (memoryPressure) {
+        deadline = earlier(deadline, memoryPressure->nextDeadline());
     }
-    return mine || navigators ? clock.realTimeUntil(mine ? *mine : *navigators) : std::nullopt;
+    return deadline ? clock.realTimeUntil(*deadline) : std::nullopt;
 }
 
 void Device::Private::handleSignal(int number)

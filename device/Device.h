@@ -32,6 +32,7 @@ struct DeviceOptions {
     DoorLimits limits;
     StoreLimits storeLimits;
     DeviceProperties properties;
+    std::string memoryPressureFile; // whose figures are followed, as MemoryPressure does; empty: none
     std::function<void(const TraceEntry &)> trace; // empty: no trace
     // The whole process is the device's: it takes SIGINT, SIGTERM and SIGHUP (those not ignored) as a wish to stop,
     // may launch applications and buries every child of the process.
@@ -41,7 +42,8 @@ struct DeviceOptions {
 class Device
 {
 public:
-    // A device that can be reached at once and answers when it runs. Throws std::system_error.
+    // A device that can be reached at once and answers when it runs. Throws std::system_error, and std::runtime_error
+    // for a memory-pressure file without figures.
     Device(DeviceDirectory directory, DeviceOptions options);
     ~Device();
     Device(const Device &) = delete;

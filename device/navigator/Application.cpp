@@ -3,6 +3,8 @@
 // parts.
 #include "Application.h"
 
+#include "ClientText.h"
+
 #include <algorithm>
 #include <cassert>
 
@@ -50,6 +52,11 @@ const WindowGroup *Application::fullScreenGroup() const
     const auto group = std::find_if(_groups.begin(), _groups.end(),
                                     [](const WindowGroup &candidate) { return candidate.isFullScreen(); });
     return group == _groups.end() ? nullptr : &*group;
+}
+
+void Application::setLabel(const Label &label)
+{
+    _label = {onOneLine(label.title), onOneLine(label.version)};
 }
 
 void Application::addGroup(const std::string &id)
@@ -105,6 +112,7 @@ ApplicationState Application::describe() const
     ApplicationState state;
     state.id = _id;
     state.pid = _pid;
+    state.label = _label;
     state.appState = _state;
     for (const WindowGroup &group : _groups) {
         state.groups.push_back({group.id, group.windowState, group.active});

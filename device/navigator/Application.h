@@ -36,6 +36,9 @@ public:
     bool isLaunched() const { return !_id.empty(); }
     const std::string &id() const { return _id; } // empty: no application yet
 
+    // As the package has it; kept as it can be shown.
+    void setLabel(const Label &label);
+
     int state() const { return _state; } // enum navigator_app_state
     bool isStopping() const { return _state == NAVIGATOR_APP_STOPPING; }
 
@@ -84,6 +87,7 @@ private:
     pid_t _pid;
     std::string _name;
     std::string _id;
+    Label _label;
     int _state = NAVIGATOR_APP_BACKGROUND;
     std::vector<WindowGroup> _groups;
     unsigned _lastGroupNumber = 0;

@@ -14,6 +14,8 @@ namespace kelp::device {
 namespace {
 
 constexpr std::size_t SHOWN_BYTES = 100; // of a text within a line
+constexpr std::size_t LINE_BYTES = 200;  // of a text that has a line, or a cell of a table, for itself
+constexpr std::string_view REPLACEMENT = "\xef\xbf\xbd";
 
 // A sequence of UTF-8 by its first byte; the second byte's range excludes overlong forms, surrogates and what
 // lies beyond the last code point.
@@ -61,6 +63,17 @@ std::size_t utf8Size(std::string_view text)
     return form->size;
 }
 
+// Of one code point: a control character of ASCII or of what follows it, or an end of a line.
+bool isControl(std::string_view codePoint)
+{
+    const std::uint8_t first = byteAt(codePoint, 0);
+    if (codePoint.size() == 1) {
+        return first < 0x20 || first == 0x7f;
+    }
+    return (first == 0xc2 && byteAt(codePoint, 1) < 0xa0) || codePoint == "\xe2\x80\xa8" ||
+           codePoint == "\xe2\x80\xa9";
+}
+
 std::string escaped(char character)
 {
     if (character == '\n') {
@@ -104,6 +117,22 @@ std::string inQuotes(std::string_view text)
         line += escaped(character);
     }
     return line + (text.size() > SHOWN_BYTES ? "...\"" : "\"");
+}
+
+std::string onOneLine(std::string_view text)
+{
+    std::string line;
+    while (!text.empty()) {
+        const std::size_t size = utf8Size(text);
+        const std::string_view codePoint = text.substr(0, size);
+        const std::string_view shown = size == 0 || isControl(codePoint) ? REPLACEMENT : codePoint;
+        if (line.size() + shown.size() > LINE_BYTES) {
+            return line + "...";
+        }
+        line += shown;
+        text.remove_prefix(std::max<std::size_t>(size, 1));
+    }
+    return line;
 }
 
 } // namespace kelp::device

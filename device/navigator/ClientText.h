@@ -17,4 +17,8 @@ bool isId(std::string_view text);
 // The text in double quotes as printable ASCII on one line, all else escaped; a long text is cut and says so.
 std::string inQuotes(std::string_view text);
 
+// The text as UTF-8 on one line that drives no terminal: what is malformed or controls something is replaced by U+FFFD;
+// a long text is cut and says so.
+std::string onOneLine(std::string_view text);
+
 } // namespace kelp::device

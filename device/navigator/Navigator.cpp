@@ -2,6 +2,7 @@
 // The navigator's parts and the way from each of its operations to the part that carries it out.
 #include "Navigator.h"
 
+#include "LowMemory.h"
 #include "PersonEvents.h"
 #include "RequestFailures.h"
 #include "Requests.h"
@@ -14,9 +15,10 @@ namespace kelp::device {
 class Navigator::Private
 {
 public:
-    Private(const Clock &deviceClock, const Settings &deviceSettings, NavigatorPort &port,
+    Private(const Clock &deviceClock, const Settings &deviceSettings, NavigatorPort &devicePort,
             const DeviceProperties &properties)
         : clock(deviceClock),
+          port(devicePort),
           settings(deviceSettings),
           screen{properties},
           journal(deviceClock, port),
@@ -25,14 +27,17 @@ public:
           exitPath(deviceClock, settings, port, delivery, deadlines, journal),
           pooling(deviceClock, settings, delivery, deadlines, journal),
           rotation(deviceClock, settings, applications, screen, delivery, deadlines, journal),
+          lowMemory(applications, delivery, journal),
           requests(settings, windows, exitPath, pooling, rotation, journal),
-          personEvents(applications, screen, windows, exitPath, pooling, rotation, delivery, journal)
+          personEvents(applications, screen, windows, exitPath, pooling, rotation, lowMemory, delivery,
+                       journal)
     {}
 
     void reached(const Deadline &deadline);
     void count(link::RequestCode code, const Outcome &outcome);
 
     const Clock &clock;
+    NavigatorPort &port;
     const Settings settings;
     Screen screen;
     Applications applications;
@@ -45,6 +50,7 @@ public:
     ExitPath exitPath;
     Pooling pooling;
     Rotation rotation;
+    LowMemory lowMemory;
     Requests requests;
     PersonEvents personEvents;
 };
@@ -99,7 +105,9 @@ void Navigator::openedEvents(ProcessId process, ChannelId channel)
     if (application->isLaunched()) {
         d->windows.tellState(*application, channel);
     } else {
+        application->setLabel(d->port.label(application->pid()));
         d->windows.launch(*application);
+        d->lowMemory.launched(*application);
         d->rotation.settle();
     }
 }
@@ -154,6 +162,16 @@ void Navigator::failRequests(link::RequestCode code, int error, unsigned times)
     }
     const std::string which = times == 0 ? "all" : "the next " + std::to_string(times);
     d->journal.note("requests " + name + ": " + which + " fail with " + errorName(error));
+}
+
+void Navigator::setMemorySeverity(int severity)
+{
+    d->lowMemory.setSeverity(severity);
+}
+
+std::optional<int> Navigator::memorySeverity() const
+{
+    return d->lowMemory.severity();
 }
 
 void Navigator::exitAll()

@@ -51,6 +51,12 @@ struct TraceEntry {
     std::string text;    // what happened, with its result
 };
 
+// What a person calls an application, as its package says. Any texts; empty: it says nothing.
+struct Label {
+    std::string title;
+    std::string version;
+};
+
 // What the navigator decides, carried out by the device. Called from within the navigator's operations; must not call
 // back into it.
 class NavigatorPort
@@ -66,6 +72,8 @@ public:
     // Sends a signal to a process.
     virtual void signal(ProcessId process, int signal) = 0;
     virtual void trace(const TraceEntry &entry) = 0;
+    // What a process that becomes an application is called.
+    virtual Label label(pid_t pid) = 0;
 };
 
 // The state as others see it: plain data, a copy.
@@ -87,6 +95,7 @@ struct RotationState {
 struct ApplicationState {
     std::string id; // the application's name on this device
     pid_t pid = 0;
+    Label label;                          // made fit to be shown: UTF-8 on one line, within a bound
     int appState = 0;                     // enum navigator_app_state
     std::vector<WindowGroupState> groups; // the first is the main one
     bool hasClosePrompt = false;
@@ -137,6 +146,11 @@ public:
     // Makes the next requests with that code fail with an errno: times of them, or all from now on with times 0.
     // error 0 ends that.
     void failRequests(link::RequestCode code, int error, unsigned times);
+
+    // The device's memory pressure has come to a severity (enum navigator_severity): every application is told when
+    // it changes, and one that launches while it is not clear. Nothing until it has been set.
+    void setMemorySeverity(int severity);
+    std::optional<int> memorySeverity() const;
 
     // The device shuts down: every application is asked to exit.
     void exitAll();

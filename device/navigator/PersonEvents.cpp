@@ -53,7 +53,7 @@ std::optional<Outcome> PersonEvents::handleForDevice(EventKind kind, const Event
 {
     switch (kind) {
     case EventKind::LowMemory:
-        return lowMemory(arguments);
+        return tellLowMemory(arguments);
     case EventKind::Rotate:
         return _rotation.turnDevice(arguments.angle);
     case EventKind::SwipeDown:
@@ -124,7 +124,7 @@ Outcome PersonEvents::swipeDown(const EventArguments &arguments)
     return _delivery.deliver(plan);
 }
 
-Outcome PersonEvents::lowMemory(const EventArguments &arguments)
+Outcome PersonEvents::tellLowMemory(const EventArguments &arguments)
 {
     std::vector<Application *> told = _applications.launched();
     if (arguments.app) {
@@ -134,11 +134,7 @@ Outcome PersonEvents::lowMemory(const EventArguments &arguments)
         }
         told = {std::get<Target>(chosen).application};
     }
-    Plan plan;
-    for (Application *application : told) {
-        plan.push_back({application, lowMemoryEvent(arguments.severity)});
-    }
-    return plan.empty() ? requireApplication(_applications) : _delivery.deliver(plan);
+    return told.empty() ? requireApplication(_applications) : _lowMemory.tell(told, arguments.severity);
 }
 
 Outcome PersonEvents::close(Application &application)

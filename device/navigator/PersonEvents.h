@@ -3,6 +3,7 @@
 #pragma once
 
 #include "ExitPath.h"
+#include "LowMemory.h"
 #include "Pooling.h"
 #include "Rotation.h"
 #include "Targets.h"
@@ -14,13 +15,15 @@ class PersonEvents
 {
 public:
     PersonEvents(const Applications &applications, Screen &screen, Windows &windows, ExitPath &exitPath,
-                 Pooling &pooling, Rotation &rotation, Delivery &delivery, Journal &journal)
+                 Pooling &pooling, Rotation &rotation, LowMemory &lowMemory, Delivery &delivery,
+                 Journal &journal)
         : _applications(applications),
           _screen(screen),
           _windows(windows),
           _exitPath(exitPath),
           _pooling(pooling),
           _rotation(rotation),
+          _lowMemory(lowMemory),
           _delivery(delivery),
           _journal(journal)
     {}
@@ -33,7 +36,7 @@ private:
     // Nothing where the event is for one application.
     std::optional<Outcome> handleForDevice(EventKind kind, const EventArguments &arguments);
     Outcome swipeDown(const EventArguments &arguments);
-    Outcome lowMemory(const EventArguments &arguments);
+    Outcome tellLowMemory(const EventArguments &arguments);
     Outcome close(Application &application);
     Outcome confirm(Application &application);
     Outcome dismiss(Application &application);
@@ -44,6 +47,7 @@ private:
     ExitPath &_exitPath;
     Pooling &_pooling;
     Rotation &_rotation;
+    LowMemory &_lowMemory;
     Delivery &_delivery;
     Journal &_journal;
 };

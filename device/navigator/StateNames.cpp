@@ -36,6 +36,18 @@ const char *badgeName(bool hasBadge)
     return hasBadge ? "splat" : "none";
 }
 
+const char *memorySeverityName(int severity)
+{
+    switch (severity) {
+    case NAVIGATOR_MEMORY_CLEAR:
+        return "clear";
+    case NAVIGATOR_MEMORY_LOW:
+        return "low";
+    default:
+        return "critical";
+    }
+}
+
 const char *rotationPhaseName(bool isTurning)
 {
     return isTurning ? "turning" : "checking";

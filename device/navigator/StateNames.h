@@ -7,6 +7,7 @@ namespace kelp::device {
 const char *appStateName(int appState);       // enum navigator_app_state
 const char *windowStateName(int windowState); // enum navigator_window_state
 const char *badgeName(bool hasBadge);
+const char *memorySeverityName(int severity);  // enum navigator_severity
 const char *rotationPhaseName(bool isTurning); // of RotationState
 
 } // namespace kelp::device

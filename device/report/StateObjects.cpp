@@ -61,6 +61,16 @@ private:
     pps_encoder_t _encoder;
 };
 
+// Stands also where there is none, as the rotation does.
+void addLabel(Text &text, const char *name, const std::string &label)
+{
+    if (label.empty()) {
+        text.addNull(name);
+    } else {
+        text.add(name, label);
+    }
+}
+
 // Stands also where there is none: an attribute that a text leaves out keeps its value.
 void addRotation(Text &text, const std::optional<RotationState> &rotation)
 {
@@ -78,6 +88,8 @@ std::string textOf(const ApplicationState &application)
 {
     Text text;
     text.add("pid", static_cast<int>(application.pid));
+    addLabel(text, "title", application.label.title);
+    addLabel(text, "version", application.label.version);
     text.add("processState", std::string(appStateName(application.appState)));
     text.addArray("windowGroups", [&] {
         for (const WindowGroupState &group : application.groups) {
@@ -104,12 +116,15 @@ std::string textOf(const ApplicationState &application)
 
 } // namespace
 
-void StateObjects::publish(const Screen &screen)
+void StateObjects::publish(const Screen &screen, std::optional<int> memorySeverity)
 {
     Text text;
     text.add("screen_res", screenSizeText(screen.properties.size));
     text.add("defaultTheme", screen.properties.theme);
     text.add("angle", screen.angle);
+    if (memorySeverity) {
+        text.add("memoryPressure", *memorySeverity);
+    }
     (void)write(PROPERTIES, _properties, text.take()); // the first object of all: there is room
 }
 

@@ -7,6 +7,7 @@
 #include "device/store/Store.h"
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,8 +18,8 @@ class StateObjects
 public:
     explicit StateObjects(Store &store) : _store(store) {}
 
-    // What applications choose their assets by, and how the device is held.
-    void publish(const Screen &screen);
+    // What applications choose their assets by, how the device is held and, where it follows that, how short memory is.
+    void publish(const Screen &screen, std::optional<int> memorySeverity);
 
     // How often each request has been made and refused, in "/pps/services/navigator-requests".
     void publish(const RequestCounts &counts);

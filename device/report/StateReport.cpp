@@ -62,6 +62,11 @@ Json rotation(const ApplicationState &application)
             {"phase", rotationPhaseName(application.rotation->isTurning)}};
 }
 
+Json labelJson(const std::string &label)
+{
+    return label.empty() ? Json(nullptr) : Json(label);
+}
+
 Json screenJson(const Screen &screen)
 {
     return {{"width", screen.properties.size.width},
@@ -75,6 +80,8 @@ Json applicationJson(const ApplicationState &application)
     const std::int64_t windowCreation = milliseconds(application.windowCreationTimeout);
     return {{"type", "application"},
             {"id", application.id},
+            {"title", labelJson(application.label.title)},
+            {"version", labelJson(application.label.version)},
             {"pid", application.pid},
             {"processState", appStateName(application.appState)},
             {"windowGroups", windowGroups(application)},
@@ -102,6 +109,7 @@ std::string deviceReport(const DeviceState &device)
                  {"uptimeMs", milliseconds(device.clock.now())},
                  {"clock", {{"speed", device.clock.speed()}, {"frozen", device.clock.isFrozen()}}},
                  {"screen", screenJson(device.screen)},
+                 {"memoryPressure", device.memorySeverity ? Json(*device.memorySeverity) : Json(nullptr)},
                  {"applications", device.applications}});
 }
 

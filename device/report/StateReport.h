@@ -17,6 +17,7 @@ struct DeviceState {
     const Clock &clock;
     std::size_t applications = 0;
     Screen screen = {};
+    std::optional<int> memorySeverity = {}; // enum navigator_severity; nothing: it does not follow that
 };
 
 // The device's line: {"type":"device", ...}.

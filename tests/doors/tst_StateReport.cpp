@@ -32,7 +32,7 @@ TEST(StateReport, TellsTheDeviceAndThenEachApplication)
     full.hasBadge = full.isOrientationLocked = full.wantsSwipeStart = true;
     full.rotation = {"rotation-1", 270, true};
 
-    std::istringstream lines(stateReport({7, "/d", clock, 2, {{{720, 800}, "dark"}, 90}}, {bare, full}));
+    std::istringstream lines(stateReport({7, "/d", clock, 2, {{{720, 800}, "dark"}, 90}, 2}, {bare, full}));
     nlohmann::json device;
     nlohmann::json first;
     nlohmann::json second;
@@ -46,6 +46,9 @@ TEST(StateReport, TellsTheDeviceAndThenEachApplication)
     EXPECT_EQ(device.at("pid"), 7);
     EXPECT_EQ(device.at("clock").at("frozen"), true);
     EXPECT_EQ(device.at("applications"), 2);
+    EXPECT_EQ(device.at("memoryPressure"), 2);
+    EXPECT_TRUE(nlohmann::json::parse(deviceReport({7, "/d", clock})).at("memoryPressure").is_null());
+    EXPECT_TRUE(first.at("title").is_null());
     EXPECT_EQ(first.at("processState"), "stopping");
     EXPECT_TRUE(first.at("closePrompt").is_null());
     EXPECT_TRUE(first.at("windowCreationTimeoutMs").is_null());

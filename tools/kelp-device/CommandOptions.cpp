@@ -3,6 +3,8 @@
 
 #include "CommandOptions.h"
 
+#include "DeviceLocation.h"
+#include "device/pressure/MemoryPressure.h"
 #include "device/report/TraceWriter.h"
 
 #include <CLI/CLI.hpp>
@@ -64,6 +66,11 @@ void SetUpOptions::addTo(CLI::App &verb, const std::string &deviceHelp)
         ->type_name("NAME")
         ->check(checkTheme)
         ->capture_default_str();
+    verb.add_option("--memory-pressure", memoryPressure,
+                    "Raise low-memory events from the kernel's figures, of the system or of FILE")
+        ->option_text("[=FILE]")
+        ->expected(0, 1)
+        ->default_str(device::MemoryPressure::SYSTEM_FILE);
 }
 
 device::Settings SetUpOptions::settings() const
@@ -75,9 +82,16 @@ device::Settings SetUpOptions::settings() const
     return settings;
 }
 
-device::DeviceProperties SetUpOptions::properties() const
+device::DeviceOptions SetUpOptions::deviceOptions() const
 {
-    return {device::parseScreenSize(screen).value_or(device::ScreenSize()), theme};
+    device::DeviceOptions options;
+    options.settings = settings();
+    options.properties = {device::parseScreenSize(screen).value_or(device::ScreenSize()), theme};
+    if (!memoryPressure.empty()) {
+        options.memoryPressureFile = absolutePath(memoryPressure);
+    }
+    options.ownsProcess = true;
+    return options;
 }
 
 std::function<void(const device::TraceEntry &)> traceTo(const std::string &path)

@@ -2,7 +2,7 @@
 // The options that several verbs share.
 #pragma once
 
-#include "device/navigator/Navigator.h"
+#include "device/Device.h"
 
 #include <functional>
 #include <optional>
@@ -29,10 +29,12 @@ struct SetUpOptions {
     bool leavesOverstaying = false;
     std::string screen = device::screenSizeText(device::DeviceProperties().size);
     std::string theme = device::DeviceProperties().theme;
+    std::string memoryPressure; // a path; empty: not to be followed
 
     void addTo(CLI::App &verb, const std::string &deviceHelp);
+    // All but the trace; paths are taken from the present working directory.
+    device::DeviceOptions deviceOptions() const;
     device::Settings settings() const;
-    device::DeviceProperties properties() const;
 };
 
 // A trace that goes to a file, or to standard error when the path is empty. Throws std::system_error.

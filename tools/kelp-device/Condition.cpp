@@ -64,6 +64,8 @@ constexpr std::array STATE_VALUES = {
     StateValue{"swipeStart", TRUTHS},
     StateValue{"angle", ANGLES},
     StateValue{"pid", {}},
+    StateValue{"title", {}},
+    StateValue{"version", {}},
 };
 
 template <typename Texts, typename Text>

@@ -46,10 +46,7 @@ device::DeviceDirectory claimDirectory(const std::string &option)
 
 device::DeviceOptions deviceOptions(const RunOptions &options)
 {
-    device::DeviceOptions result;
-    result.settings = options.setUp.settings();
-    result.properties = options.setUp.properties();
-    result.ownsProcess = true;
+    device::DeviceOptions result = options.setUp.deviceOptions();
     if (!options.trace.empty()) {
         result.trace = traceTo(options.trace == STANDARD_ERROR ? "" : options.trace);
     }

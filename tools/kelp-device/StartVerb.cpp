@@ -23,34 +23,31 @@ struct StartOptions {
     bool staysInForeground = false;
 };
 
-int runDevice(const std::string &path, const StartOptions &options, const std::function<void()> &ready)
+int runDevice(const std::string &path, const std::string &trace, device::DeviceOptions options,
+              const std::function<void()> &ready)
 {
     device::DeviceDirectory directory = device::DeviceDirectory::at(path); // first: the trace may lie in it
-    device::DeviceOptions deviceOptions;
-    deviceOptions.settings = options.setUp.settings();
-    deviceOptions.properties = options.setUp.properties();
-    deviceOptions.ownsProcess = true;
-    deviceOptions.trace = traceTo(options.trace.empty() ? path + "/trace.log" : options.trace);
-    device::Device device(std::move(directory), std::move(deviceOptions));
+    options.trace = traceTo(trace);
+    device::Device device(std::move(directory), std::move(options));
     ready();
     return device.run();
 }
 
-int start(StartOptions options)
+int start(const StartOptions &options)
 {
+    // A daemon leaves this directory: all paths are to be absolute before it does.
     const std::string path = deviceDirectory(options.setUp.device);
-    if (!options.trace.empty()) {
-        options.trace = absolutePath(options.trace); // a daemon leaves this directory
-    }
+    const std::string trace = options.trace.empty() ? path + "/trace.log" : absolutePath(options.trace);
+    const device::DeviceOptions deviceOptions = options.setUp.deviceOptions();
     const auto announce = [&path] {
         std::cout << "KELP_DEVICE=" << shellQuoted(path) << "; export KELP_DEVICE;" << std::endl;
     };
     try {
         if (options.staysInForeground) {
-            return runDevice(path, options, announce);
+            return runDevice(path, trace, deviceOptions, announce);
         }
         const auto body = [&](const std::function<void()> &ready) {
-            return runDevice(path, options, ready);
+            return runDevice(path, trace, deviceOptions, ready);
         };
         if (const std::optional<int> daemonsCode = runAsDaemon(body)) {
             return *daemonsCode;

@@ -5,6 +5,7 @@
 
 #include "Report.h"
 #include "TextTable.h"
+#include "device/navigator/StateNames.h"
 
 #include <nlohmann/json.hpp>
 
@@ -24,6 +25,18 @@ std::string seconds(const Json &milliseconds)
     text.precision(1);
     text << milliseconds.get<double>() / 1000 << " s";
     return text.str();
+}
+
+// As in "Notes 1.2.3.4".
+std::string titleOf(const Json &application)
+{
+    std::string text;
+    for (const char *name : {"title", "version"}) {
+        if (const Json &part = application.at(name); !part.is_null()) {
+            text += (text.empty() ? "" : " ") + printable(part);
+        }
+    }
+    return text.empty() ? "-" : text;
 }
 
 std::string promptOf(const Json &prompt)
@@ -79,16 +92,25 @@ std::string rotationOf(const Json &application)
     return printable(rotation.at("phase")) + ' ' + rotation.at("angle").dump();
 }
 
-std::string screenLine(const Json &screen)
+std::string deviceLines(const Json &device)
 {
+    const Json &screen = device.at("screen");
+    const Json &severity = device.at("memoryPressure");
+    const std::string memory =
+        severity.is_null()
+            ? ""
+            : "Memory pressure: " + std::string(device::memorySeverityName(severity.get<int>())) + ".\n";
     return "Screen " + screen.at("width").dump() + 'x' + screen.at("height").dump() + ", " +
-           printable(screen.at("theme")) + ", at " + screen.at("angle").dump() + " degrees.\n";
+           printable(screen.at("theme")) + ", at " + screen.at("angle").dump() + " degrees.\n" + memory;
 }
 
 // One row a window group; what is the application's own stands in the first.
 void addApplication(std::vector<Row> &rows, const Json &application)
 {
+    constexpr std::size_t GROUP = 4; // its column
+    constexpr std::size_t WINDOW = 5;
     Row row{printable(application.at("id")),
+            titleOf(application),
             application.at("pid").dump(),
             application.at("processState"),
             "-",
@@ -98,8 +120,8 @@ void addApplication(std::vector<Row> &rows, const Json &application)
             settingsOf(application),
             promptOf(application.at("closePrompt"))};
     for (const Json &group : application.at("windowGroups")) {
-        row[3] = printable(group.at("id"));
-        row[4] =
+        row[GROUP] = printable(group.at("id"));
+        row[WINDOW] =
             group.at("windowState").get<std::string>() + (group.at("active").get<bool>() ? ", active" : "");
         rows.push_back(row);
         row = Row(row.size());
@@ -124,17 +146,17 @@ std::string statusText(const std::string &report)
 
 std::string stateTable(const std::string &report)
 {
-    std::vector<Row> rows{
-        {"APPLICATION", "PID", "PROCESS", "GROUP", "WINDOW", "DEADLINES", "ROTATION", "SET", "CLOSE PROMPT"}};
-    std::string screen;
+    std::vector<Row> rows{{"APPLICATION", "TITLE", "PID", "PROCESS", "GROUP", "WINDOW", "DEADLINES",
+                           "ROTATION", "SET", "CLOSE PROMPT"}};
+    std::string device;
     forEachObject(report, [&](const Json &object) {
         if (object.at("type") == "application") {
             addApplication(rows, object);
         } else {
-            screen = screenLine(object.at("screen"));
+            device = deviceLines(object);
         }
     });
-    return (rows.size() > 1 ? aligned(rows) : "No application runs.\n") + screen;
+    return (rows.size() > 1 ? aligned(rows) : "No application runs.\n") + device;
 }
 
 } // namespace kelp::tool

@@ -46,7 +46,10 @@ public:
                          entry.process + '|' + entry.text);
     }
 
+    Label label(pid_t pid) override { return labels[pid]; }
+
     Time start{0};
+    std::map<pid_t, Label> labels;
     std::map<ProcessId, std::size_t>
         rooms; // for how many more events; a process that is not here has no bound
     Lines lines;

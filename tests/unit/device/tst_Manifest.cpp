@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: Apache-2.0
+// Manifests, well-formed and not, and what lies where a process's manifest should be.
+#include "device/manifest/ManifestFile.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <utility>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace kelp::device {
+
+namespace {
+
+const std::string ARCHIVE = "Archive-Manifest-Version: 1.1\n\n";
+const std::string PACKAGE = "Package-Type: application\nPackage-Name: pack\n\n";
+
+// Its attributes or, as they are all or none, what is wrong with it.
+std::string resultOf(const std::string &text)
+{
+    std::string result;
+    const auto manifest = Manifest::parse(text, result);
+    for (const auto &[name, value] : manifest ? manifest->attributes() : Manifest::Attributes()) {
+        result += name + '=' + value + '|';
+    }
+    return result;
+}
+
+} // namespace
+
+TEST(Manifest, isTheSectionsThatCountOrTheLineThatIsWrong)
+{
+    const std::pair<std::string, std::string> rows[] = {
+        {"Archive-A: 1\n\nPackage-Type: library\n\nno application's", "Archive-A=1|Package-Type=library|"},
+        {"Archive-A: 1\n\nPackage-B: 2", "Archive-A=1|Package-B=2|"},
+        {"Archive-A: 1\n\nPackage-Type: Application\n", "Archive-A=1|Package-Type=Application|"},
+        {"\xef\xbb\xbf"
+         "Archive-A: 1\r\n\r\nPackage-Type: application\r\n\r\nApplication-C: 3\r\n\r\n\r\nrest",
+         "Application-C=3|Archive-A=1|Package-Type=application|"},
+        {"Archive-A: 1\n\nPackage-Type: appli\n cation\n\nApplication-C: 3",
+         "Application-C=3|Archive-A=1|Package-Type=application|"},
+        {"Archive-A: old\n x\nArchive-B: \nArchive-A: new\n  z\n\nPackage-: p",
+         "Archive-A=new z|Archive-B=|Package-=p|"},
+        {"Archive-A: b: c: \n\nPackage-B: \xff\t", "Archive-A=b: c: |Package-B=\xff\t|"},
+        {"", "line 1: the Archive section has no attribute"},
+        {"Archive-A: 1\n", "line 1: the Package section has no"},
+        {"Archive-A: 1\n\n\nPackage-B: 2\n", "line 3: the Package section has no"},
+        {"Archive-A: 1\n\n x\n", "line 3: it goes on with a line"},
+        {"archive-A: 1\n", "line 1: a name in this section begins with \"Archive-\""},
+        {"Archive-A: 1\n\tx\n", "line 2: a name in this section"},
+        {"Archive-A:1\n", "line 1: a colon and a space"},
+        {ARCHIVE + PACKAGE, "line 5: the Application section has no attribute"},
+        {ARCHIVE + PACKAGE + "Application-C: 3\nx", "line 7: a name in this section begins with \"App"},
+    };
+    for (const auto &[text, result] : rows) {
+        const std::string whole = resultOf(text);
+        EXPECT_EQ(result.ends_with('|') ? whole : whole.substr(0, result.size()), result) << text;
+    }
+}
+
+TEST(Manifest, titleAndVersionAreTheApplicationsElseThePackages)
+{
+    const auto both = Manifest::parse(ARCHIVE + "Package-Version: 1\n" + PACKAGE +
+                                      "Application-Name: Notes\nApplication-Version: \n");
+    ASSERT_TRUE(both);
+    EXPECT_EQ(both->title(), "Notes");
+    EXPECT_EQ(both->version(), "1");
+
+    const auto neither = Manifest::parse(ARCHIVE + "Package-Id: x\n");
+    ASSERT_TRUE(neither);
+    EXPECT_EQ(neither->title() + neither->version(), "");
+}
+
+TEST(ManifestFile, whateverLiesThereNobodyWaitsForIt)
+{
+    char pattern[] = "/tmp/kelp-manifest.XXXXXX";
+    const std::filesystem::path folder = ::mkdtemp(pattern);
+    std::filesystem::create_directories(folder / "app/META-INF");
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(folder); // this process's
+    const std::string file = "app/META-INF/MANIFEST.MF";
+    const auto problem = [] {
+        const ManifestReading reading = readManifest(::getpid());
+        EXPECT_FALSE(reading.manifest);
+        return reading.problem;
+    };
+
+    EXPECT_EQ(problem(), ""); // there is none
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    EXPECT_EQ(problem(), file + ": is no regular file");
+    std::filesystem::remove(file);
+    std::filesystem::create_symlink("/dev/zero", file);
+    EXPECT_EQ(problem(), file + ": is no regular file");
+    std::filesystem::remove(file);
+    std::ofstream(file) << ARCHIVE;
+    EXPECT_EQ(problem(), file + ": line 2: the Package section has no attribute");
+    const std::string whole = ARCHIVE + "Package-Name: ";
+    std::ofstream(file) << whole << std::string((1 << 20) - whole.size(), 'x');
+    EXPECT_TRUE(readManifest(::getpid()).manifest);
+    std::ofstream(file, std::ios::app) << 'x';
+    EXPECT_EQ(problem(), file + ": has more than 1048576 bytes");
+    EXPECT_FALSE(readManifest(0).manifest);
+
+    std::filesystem::current_path(before);
+    std::filesystem::remove_all(folder);
+}
+
+} // namespace kelp::device
