@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// What differs between Qt 5.15 and Qt 6. No other file asks for Qt's version.
+// What differs between Qt 5.15 and Qt 6. No other file asks for Qt's version, but kelp/Revision.h.
 #pragma once
 
+#include <QtCore/QTextStream>
 #include <QtCore/QtGlobal>
 
 namespace kelp {
@@ -12,5 +13,14 @@ using NativeEventResult = qintptr;
 #else
 using NativeEventResult = long;
 #endif
+
+inline void readAsUtf8(QTextStream &stream)
+{
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    stream.setEncoding(QStringConverter::Utf8);
+#else
+    stream.setCodec("UTF-8");
+#endif
+}
 
 } // namespace kelp

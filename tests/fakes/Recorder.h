@@ -21,7 +21,7 @@ namespace kelp::test {
 
 // Notes a call, runs the test's action for it, and returns the result that the test wants, with its errno; without an
 // answer of the test's, nothing.
-std::optional<int> note(const std::string &function, const std::string &arguments, bool canFail);
+std::optional<std::int64_t> note(const std::string &function, const std::string &arguments, bool canFail);
 
 // A copy of the text that the test has set for a function, for the caller to free.
 char *handedOut(const std::string &function);
@@ -48,7 +48,7 @@ std::string listed(const Arguments &...arguments)
 template <typename... Arguments>
 int asked(const char *function, const Arguments &...arguments)
 {
-    return note(function, listed(arguments...), true).value_or(0);
+    return static_cast<int>(note(function, listed(arguments...), true).value_or(0));
 }
 template <typename... Arguments>
 void told(const char *function, const Arguments &...arguments)

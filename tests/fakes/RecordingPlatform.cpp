@@ -23,7 +23,7 @@ struct Log {
 
 struct Answer {
     std::string function;
-    int result;
+    std::int64_t result;
     int error;
     int countdown; // calls until it is given
     bool always;
@@ -56,10 +56,10 @@ std::shared_ptr<Log> makeLog()
 }
 
 // The answer to a call, its result and errno, where the test has set one.
-std::optional<std::pair<int, int>> takeAnswer(const std::string &function)
+std::optional<std::pair<std::int64_t, int>> takeAnswer(const std::string &function)
 {
     const std::lock_guard lock(state().mutex);
-    std::optional<std::pair<int, int>> given;
+    std::optional<std::pair<std::int64_t, int>> given;
     for (Answer &answer : state().answers) {
         const bool isMeant = answer.function == function || answer.function == RecordingPlatform::ANY;
         if (isMeant && (answer.always || --answer.countdown == 0)) {
@@ -88,7 +88,7 @@ bool onlyFetchesEvents(const std::string &call)
 
 } // namespace
 
-std::optional<int> note(const std::string &function, const std::string &arguments, bool canFail)
+std::optional<std::int64_t> note(const std::string &function, const std::string &arguments, bool canFail)
 {
     const int before = errno;
     thread_local const std::shared_ptr<Log> log = makeLog();
@@ -97,7 +97,7 @@ std::optional<int> note(const std::string &function, const std::string &argument
         log->calls.emplace_back(s_order.fetch_add(1, std::memory_order_relaxed),
                                 function + '(' + arguments + ')');
     }
-    std::optional<std::pair<int, int>> answer;
+    std::optional<std::pair<std::int64_t, int>> answer;
     if (s_scripted.load(std::memory_order_relaxed)) {
         act(function);
         answer = canFail ? takeAnswer(function) : answer;
@@ -120,6 +120,7 @@ void RecordingPlatform::reset()
     state().texts.clear();
     state().actions.clear();
     s_scripted = false;
+    setSystemPage(nullptr);
     for (const auto &log : state().logs) {
         const std::lock_guard logLock(log->mutex);
         log->calls.clear();
@@ -153,7 +154,7 @@ std::string RecordingPlatform::takeRequests()
     return requests;
 }
 
-void RecordingPlatform::answer(const std::string &function, int result, int error, int nth)
+void RecordingPlatform::answer(const std::string &function, std::int64_t result, int error, int nth)
 {
     const std::lock_guard lock(state().mutex);
     state().answers.push_back({function, result, error, nth, nth == ALWAYS});

@@ -14,9 +14,11 @@
 #pragma once
 
 #include <navigator/navigator.h>
+#include <sys/syspage.h>
 #include <tarn/tarn.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -111,9 +113,11 @@ public:
 
     // The nth call of a function from now on, or each, has no effect and returns result, with errno unless error is
     // 0. What was set last prevails.
-    static void answer(const std::string &function, int result, int error, int nth = ALWAYS);
+    static void answer(const std::string &function, std::int64_t result, int error, int nth = ALWAYS);
     // The text that a function hands out, most for their callers to free; without it, NULL, or no asset's variant.
     static void setText(const std::string &function, const std::string &text);
+    // The system page, until it is set anew or reset. The test's own; null: one without any entries.
+    static void setSystemPage(const syspage *page);
     // Runs at each call of a function, on its thread.
     static void onCall(const std::string &function, std::function<void()> action);
 };

@@ -36,7 +36,7 @@ int aselector_asset_create(const aselector_context_t *, const char *path, const 
 int aselector_asset_get_path(const aselector_asset_t *asset, const char **path)
 {
     *path = asset->path.get();
-    return note(__func__, "", true).value_or(*path ? 0 : -1);
+    return static_cast<int>(note(__func__, "", true).value_or(*path ? 0 : -1));
 }
 
 void aselector_asset_destroy(aselector_asset_t *)

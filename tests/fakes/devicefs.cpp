@@ -42,8 +42,8 @@ std::int64_t sizeOf(const char *path)
 #define CALL(type, name, parameters, host, ...)                                                              \
     type name parameters                                                                                     \
     {                                                                                                        \
-        const std::optional<int> answer = note(#name, listed(__VA_ARGS__), true);                            \
-        return answer ? *answer : host;                                                                      \
+        const std::optional<std::int64_t> answer = note(#name, listed(__VA_ARGS__), true);                   \
+        return answer ? static_cast<type>(*answer) : host;                                                   \
     }
 CALL(int, devicefs_open, (const char *path, int flags, mode_t mode), ::open(path, flags | O_CLOEXEC, mode),
      quoted(path), flags, octal(mode))
