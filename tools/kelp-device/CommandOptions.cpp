@@ -7,8 +7,7 @@
 #include "device/pressure/MemoryPressure.h"
 #include "device/report/TraceWriter.h"
 
-#include <CLI/CLI.hpp>
-
+#include <charconv>
 #include <memory>
 
 namespace kelp::tool {
@@ -19,7 +18,9 @@ std::string checkSeconds(const std::string &text)
 {
     constexpr double A_DAY = 24 * 60 * 60;
     double value = 0;
-    const bool isInRange = CLI::detail::lexical_cast(text, value) && value >= 0 && value <= A_DAY; // not NaN
+    const char *const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, value);
+    const bool isInRange = rest == end && error == std::errc() && value >= 0 && value <= A_DAY; // not NaN
     return isInRange ? "" : "\"" + text + "\" is not a number of seconds from 0 to 86400";
 }
 
@@ -37,40 +38,35 @@ std::string checkTheme(const std::string &text)
 
 } // namespace
 
-void addDeviceOption(CLI::App &verb, std::string &path, const std::string &help)
+void addDeviceOption(const Command &verb, std::string &path, const std::string &help)
 {
-    verb.add_option("--device", path, help)->type_name("DIR");
+    verb.add("--device", path, help).typeName("DIR");
 }
 
-void addSecondsOption(CLI::App &verb, const std::string &name, double &seconds, const std::string &help)
+void addSecondsOption(const Command &verb, const std::string &name, double &seconds, const std::string &help)
 {
-    verb.add_option(name, seconds, help)->type_name("SECONDS")->check(checkSeconds)->capture_default_str();
+    verb.add(name, seconds, help).typeName("SECONDS").check(checkSeconds).showsDefault();
 }
 
-void addSecondsOption(CLI::App &verb, const std::string &name, std::optional<double> &seconds,
+void addSecondsOption(const Command &verb, const std::string &name, std::optional<double> &seconds,
                       const std::string &help)
 {
-    verb.add_option(name, seconds, help)->type_name("SECONDS")->check(checkSeconds);
+    verb.add(name, seconds, help).typeName("SECONDS").check(checkSeconds);
 }
 
-void SetUpOptions::addTo(CLI::App &verb, const std::string &deviceHelp)
+void SetUpOptions::addTo(const Command &verb, const std::string &deviceHelp)
 {
     addDeviceOption(verb, device, deviceHelp);
     addSecondsOption(verb, "--grace", graceSeconds, "Time from an application's exit event to its end");
-    verb.add_flag("--no-kill", leavesOverstaying, "Only report an application that overstays its grace");
-    verb.add_option("--screen", screen, "The size of the screen in pixels, held upright")
-        ->type_name("WIDTHxHEIGHT")
-        ->check(checkScreen)
-        ->capture_default_str();
-    verb.add_option("--theme", theme, "The theme: bright or dark")
-        ->type_name("NAME")
-        ->check(checkTheme)
-        ->capture_default_str();
-    verb.add_option("--memory-pressure", memoryPressure,
-                    "Raise low-memory events from the kernel's figures, of the system or of FILE")
-        ->option_text("[=FILE]")
-        ->expected(0, 1)
-        ->default_str(device::MemoryPressure::SYSTEM_FILE);
+    verb.addFlag("--no-kill", leavesOverstaying, "Only report an application that overstays its grace");
+    verb.add("--screen", screen, "The size of the screen in pixels, held upright")
+        .typeName("WIDTHxHEIGHT")
+        .check(checkScreen)
+        .showsDefault();
+    verb.add("--theme", theme, "The theme: bright or dark").typeName("NAME").check(checkTheme).showsDefault();
+    verb.add("--memory-pressure", memoryPressure,
+             "Raise low-memory events from the kernel's figures, of the system or of FILE")
+        .optionalValue(device::MemoryPressure::SYSTEM_FILE, "[=FILE]");
 }
 
 device::Settings SetUpOptions::settings() const

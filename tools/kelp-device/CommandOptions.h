@@ -2,24 +2,21 @@
 // The options that several verbs share.
 #pragma once
 
+#include "CommandLine.h"
 #include "device/Device.h"
 
 #include <functional>
 #include <optional>
 #include <string>
 
-namespace CLI {
-class App;
-}
-
 namespace kelp::tool {
 
 // --device of the verbs that talk to a device or start one. path holds the value; empty: not given.
-void addDeviceOption(CLI::App &verb, std::string &path, const std::string &help);
+void addDeviceOption(const Command &verb, std::string &path, const std::string &help);
 
 // A number of seconds from 0 to a day. seconds keeps its value where the option is not given.
-void addSecondsOption(CLI::App &verb, const std::string &name, double &seconds, const std::string &help);
-void addSecondsOption(CLI::App &verb, const std::string &name, std::optional<double> &seconds,
+void addSecondsOption(const Command &verb, const std::string &name, double &seconds, const std::string &help);
+void addSecondsOption(const Command &verb, const std::string &name, std::optional<double> &seconds,
                       const std::string &help);
 
 // The options of a device that is to be set up.
@@ -31,7 +28,7 @@ struct SetUpOptions {
     std::string theme = device::DeviceProperties().theme;
     std::string memoryPressure; // a path; empty: not to be followed
 
-    void addTo(CLI::App &verb, const std::string &deviceHelp);
+    void addTo(const Command &verb, const std::string &deviceHelp);
     // All but the trace; paths are taken from the present working directory.
     device::DeviceOptions deviceOptions() const;
     device::Settings settings() const;

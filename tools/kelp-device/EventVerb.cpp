@@ -8,8 +8,6 @@
 #include "Verb.h"
 #include "device/catalogue/Catalogue.h"
 
-#include <CLI/CLI.hpp>
-
 #include <iostream>
 #include <list>
 #include <memory>
@@ -20,7 +18,7 @@ namespace {
 
 struct EventArgument {
     const device::ArgumentSpec *spec;
-    CLI::Option *option;
+    std::optional<Parameter> parameter;
     std::string value;
 };
 
@@ -29,24 +27,24 @@ struct EventOptions {
     std::list<EventArgument> arguments; // of all events; the parser keeps pointers to them
 };
 
-void addEventArgument(CLI::App &event, const device::ArgumentSpec &spec, EventOptions &options)
+void addEventArgument(const Command &event, const device::ArgumentSpec &spec, EventOptions &options)
 {
-    EventArgument &argument = options.arguments.emplace_back(EventArgument{&spec, nullptr, {}});
+    EventArgument &argument = options.arguments.emplace_back(EventArgument{&spec, {}, {}});
     const std::string flag = "--" + std::string(spec.name);
     const std::string names = spec.required ? std::string(spec.name) + ',' + flag : flag;
-    argument.option = event.add_option(names, argument.value, std::string(spec.help));
-    argument.option->type_name(std::string(spec.metavar))->required(spec.required);
+    argument.parameter = event.add(names, argument.value, std::string(spec.help));
+    argument.parameter->typeName(std::string(spec.metavar)).required(spec.required);
 }
 
-int causeEvent(const CLI::App &verb, const EventOptions &options)
+int causeEvent(const Command &verb, const EventOptions &options)
 {
-    const auto events = verb.get_subcommands();
-    if (events.empty()) {
+    const auto event = verb.chosenBelow();
+    if (!event) {
         throw Failure(EXIT_USAGE, "which event? kelp-device event --help lists them");
     }
-    DeviceClient::Arguments arguments{{"name", events.front()->get_name()}};
+    DeviceClient::Arguments arguments{{"name", event->name()}};
     for (const EventArgument &argument : options.arguments) {
-        if (argument.option->count() > 0) {
+        if (argument.parameter->isGiven()) {
             arguments.emplace_back(argument.spec->name, argument.value);
         }
     }
@@ -58,19 +56,18 @@ int causeEvent(const CLI::App &verb, const EventOptions &options)
 
 } // namespace
 
-Action addEvent(CLI::App &verb, const Invocation &)
+Action addEvent(const Command &verb, const Invocation &)
 {
     const auto options = std::make_shared<EventOptions>();
-    verb.require_subcommand(0, 1);
     addDeviceOption(verb, options->device, "The device's directory");
     for (const device::EventSpec &spec : device::events()) {
-        CLI::App *event = verb.add_subcommand(std::string(spec.name), std::string(spec.help));
-        addDeviceOption(*event, options->device, "The device's directory");
+        const Command event = verb.addCommand(std::string(spec.name), std::string(spec.help));
+        addDeviceOption(event, options->device, "The device's directory");
         for (const device::ArgumentSpec &argument : spec.arguments) {
-            addEventArgument(*event, argument, *options);
+            addEventArgument(event, argument, *options);
         }
     }
-    return [options, &verb] {
+    return [options, verb] {
         return causeEvent(verb, *options);
     };
 }

@@ -9,8 +9,6 @@
 #include "Verb.h"
 #include "device/catalogue/Catalogue.h"
 
-#include <CLI/CLI.hpp>
-
 #include <memory>
 
 namespace kelp::tool {
@@ -40,7 +38,7 @@ std::string requestList()
 
 } // namespace
 
-Action addFail(CLI::App &verb, const Invocation &)
+Action addFail(const Command &verb, const Invocation &)
 {
     struct Options {
         std::string device;
@@ -50,18 +48,18 @@ Action addFail(CLI::App &verb, const Invocation &)
     };
     const auto options = std::make_shared<Options>();
     addDeviceOption(verb, options->device, "The device's directory");
-    verb.add_option("request", options->request, "The request's name")
-        ->required()
-        ->type_name("REQUEST")
-        ->check(checkRequest);
-    verb.add_option("errno", options->error, "The errno it fails with, as in EPERM; 0 ends the failing")
-        ->required()
-        ->type_name("ERRNO")
-        ->check(checkErrno);
-    verb.add_option("--times", options->times, "How many times; without it, from now on always")
-        ->type_name("N")
-        ->check(CLI::Range(1, 1000000));
-    verb.footer(requestList());
+    verb.add("request", options->request, "The request's name")
+        .required()
+        .typeName("REQUEST")
+        .check(checkRequest);
+    verb.add("errno", options->error, "The errno it fails with, as in EPERM; 0 ends the failing")
+        .required()
+        .typeName("ERRNO")
+        .check(checkErrno);
+    verb.add("--times", options->times, "How many times; without it, from now on always")
+        .typeName("N")
+        .range(1, 1000000);
+    verb.setFooter(requestList());
     return [options] {
         DeviceClient client(deviceDirectory(options->device));
         (void)client.ask("fail", {{"request", options->request},

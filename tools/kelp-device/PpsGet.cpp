@@ -7,8 +7,6 @@
 #include "PathArgument.h"
 #include "PpsVerbs.h"
 
-#include <CLI/CLI.hpp>
-
 #include <iostream>
 
 #include <fcntl.h>
@@ -51,7 +49,7 @@ std::string asJson(const std::string &path)
 
 } // namespace
 
-Action addPpsGet(CLI::App &verb, const DeviceOption &device)
+Action addPpsGet(const Command &verb, const DeviceOption &device)
 {
     struct Options {
         std::string path;
@@ -59,15 +57,15 @@ Action addPpsGet(CLI::App &verb, const DeviceOption &device)
         bool json = false;
     };
     const auto options = std::make_shared<Options>();
-    verb.add_option("path", options->path, "The object's path, below /pps")->required()->type_name("PATH");
-    CLI::Option *attribute = verb.add_option("attribute", options->attribute,
-                                             "Print its value alone: a string as it is, any other as JSON")
-                                 ->type_name("ATTRIBUTE");
-    verb.add_flag("--json", options->json, "As JSON, with the values decoded")->excludes(attribute);
+    verb.add("path", options->path, "The object's path, below /pps").required().typeName("PATH");
+    const Parameter attribute = verb.add("attribute", options->attribute,
+                                         "Print its value alone: a string as it is, any other as JSON")
+                                    .typeName("ATTRIBUTE");
+    verb.addFlag("--json", options->json, "As JSON, with the values decoded").excludes(attribute);
     return [device, options, attribute] {
         const std::string path = objectPath(options->path);
         useDevice(*device);
-        if (attribute->count() > 0) {
+        if (attribute.isGiven()) {
             std::cout << valueIn(path, options->attribute);
         } else {
             std::cout << (options->json ? asJson(path) : textOf(path));

@@ -9,7 +9,6 @@
 #include "Report.h"
 #include "TextTable.h"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <iostream>
@@ -58,7 +57,7 @@ std::string table(const std::string &report)
 
 } // namespace
 
-Action addPpsList(CLI::App &verb, const DeviceOption &device)
+Action addPpsList(const Command &verb, const DeviceOption &device)
 {
     struct Options {
         std::string path = "/";
@@ -66,12 +65,10 @@ Action addPpsList(CLI::App &verb, const DeviceOption &device)
         bool json = false;
     };
     const auto options = std::make_shared<Options>();
-    verb.add_option("path", options->path, "The directory's path, below /pps")
-        ->type_name("PATH")
-        ->capture_default_str();
-    CLI::Option *isLong =
-        verb.add_flag("-l,--long", options->isLong, "With the mode, the owner and the size in bytes");
-    verb.add_flag("--json", options->json, "As JSON, one object a line")->excludes(isLong);
+    verb.add("path", options->path, "The directory's path, below /pps").typeName("PATH").showsDefault();
+    const Parameter isLong =
+        verb.addFlag("-l,--long", options->isLong, "With the mode, the owner and the size in bytes");
+    verb.addFlag("--json", options->json, "As JSON, one object a line").excludes(isLong);
     return [device, options] {
         const std::string path = objectPath(options->path);
         DeviceClient client(deviceDirectory(*device));

@@ -6,8 +6,6 @@
 #include "PathArgument.h"
 #include "PpsVerbs.h"
 
-#include <CLI/CLI.hpp>
-
 namespace kelp::tool {
 
 namespace {
@@ -31,10 +29,10 @@ void removeAll(const std::vector<std::string> &given)
 
 } // namespace
 
-Action addPpsRemove(CLI::App &verb, const DeviceOption &device)
+Action addPpsRemove(const Command &verb, const DeviceOption &device)
 {
     const auto paths = std::make_shared<std::vector<std::string>>();
-    verb.add_option("path", *paths, "The objects' paths, below /pps")->required()->type_name("PATH");
+    verb.add("path", *paths, "The objects' paths, below /pps").required().typeName("PATH");
     return [device, paths] {
         useDevice(*device);
         removeAll(*paths);

@@ -7,8 +7,6 @@
 #include "PathArgument.h"
 #include "PpsVerbs.h"
 
-#include <CLI/CLI.hpp>
-
 #include <iostream>
 
 #include <fcntl.h>
@@ -68,22 +66,19 @@ int set(const SetOptions &options, const std::string &device)
 
 } // namespace
 
-Action addPpsSet(CLI::App &verb, const DeviceOption &device)
+Action addPpsSet(const Command &verb, const DeviceOption &device)
 {
     const auto options = std::make_shared<SetOptions>();
-    verb.add_option("path", options->path, "The object's path, below /pps")->required()->type_name("PATH");
-    CLI::Option *settings =
-        verb.add_option("setting", options->settings, "What to set")->type_name("NAME=VALUE");
-    CLI::Option *deletions = verb.add_option("--delete", options->deletions, "Delete an attribute")
-                                 ->type_name("NAME")
-                                 ->expected(1)
-                                 ->allow_extra_args(false);
-    verb.add_flag("--existing", options->takesExistingOnly, "Fail if there is no such object");
-    verb.add_flag("--raw", options->isRaw, "Write a PPS text from standard input")
-        ->excludes(settings)
-        ->excludes(deletions);
-    verb.footer("VALUE: true, false, a number, or an array or object of JSON; all else is a string.\n"
-                "NAME:ENCODING:VALUE, as in label::5 for a string, sets an attribute by its PPS line.");
+    verb.add("path", options->path, "The object's path, below /pps").required().typeName("PATH");
+    const Parameter settings = verb.add("setting", options->settings, "What to set").typeName("NAME=VALUE");
+    const Parameter deletions =
+        verb.add("--delete", options->deletions, "Delete an attribute").typeName("NAME").oneValueEach();
+    verb.addFlag("--existing", options->takesExistingOnly, "Fail if there is no such object");
+    verb.addFlag("--raw", options->isRaw, "Write a PPS text from standard input")
+        .excludes(settings)
+        .excludes(deletions);
+    verb.setFooter("VALUE: true, false, a number, or an array or object of JSON; all else is a string.\n"
+                   "NAME:ENCODING:VALUE, as in label::5 for a string, sets an attribute by its PPS line.");
     return [device, options] {
         return set(*options, *device);
     };

@@ -5,8 +5,6 @@
 #include "Failure.h"
 #include "PpsVerbs.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 
 namespace kelp::tool {
@@ -16,7 +14,7 @@ namespace {
 struct VerbSpec {
     const char *name;
     const char *help;
-    Action (*add)(CLI::App &verb, const DeviceOption &device);
+    Action (*add)(const Command &verb, const DeviceOption &device);
 };
 
 constexpr VerbSpec VERBS[] = {
@@ -29,21 +27,20 @@ constexpr VerbSpec VERBS[] = {
 
 } // namespace
 
-Action addPps(CLI::App &verb, const Invocation &)
+Action addPps(const Command &verb, const Invocation &)
 {
     constexpr char DEVICE_HELP[] = "The device's directory";
     const auto device = std::make_shared<std::string>();
-    verb.require_subcommand(0, 1);
     addDeviceOption(verb, *device, DEVICE_HELP);
-    std::vector<std::pair<CLI::App *, Action>> actions;
+    std::vector<std::pair<Command, Action>> actions;
     for (const VerbSpec &spec : VERBS) {
-        CLI::App *below = verb.add_subcommand(spec.name, spec.help);
-        addDeviceOption(*below, *device, DEVICE_HELP);
-        actions.emplace_back(below, spec.add(*below, device));
+        const Command below = verb.addCommand(spec.name, spec.help);
+        addDeviceOption(below, *device, DEVICE_HELP);
+        actions.emplace_back(below, spec.add(below, device));
     }
     return [actions = std::move(actions)] {
         const auto chosen = std::find_if(actions.begin(), actions.end(),
-                                         [](const auto &action) { return action.first->parsed(); });
+                                         [](const auto &action) { return action.first.isChosen(); });
         if (chosen == actions.end()) {
             throw Failure(EXIT_USAGE, "what to do? Give a verb, such as ls or get; kelp-device pps --help "
                                       "lists them");

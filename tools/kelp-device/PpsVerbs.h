@@ -13,10 +13,10 @@ namespace kelp::tool {
 // What --device says, before the verb or behind it.
 using DeviceOption = std::shared_ptr<const std::string>;
 
-Action addPpsGet(CLI::App &verb, const DeviceOption &device);
-Action addPpsList(CLI::App &verb, const DeviceOption &device);
-Action addPpsRemove(CLI::App &verb, const DeviceOption &device);
-Action addPpsSet(CLI::App &verb, const DeviceOption &device);
-Action addPpsWatch(CLI::App &verb, const DeviceOption &device);
+Action addPpsGet(const Command &verb, const DeviceOption &device);
+Action addPpsList(const Command &verb, const DeviceOption &device);
+Action addPpsRemove(const Command &verb, const DeviceOption &device);
+Action addPpsSet(const Command &verb, const DeviceOption &device);
+Action addPpsWatch(const Command &verb, const DeviceOption &device);
 
 } // namespace kelp::tool

@@ -9,8 +9,6 @@
 #include "PathArgument.h"
 #include "PpsVerbs.h"
 
-#include <CLI/CLI.hpp>
-
 #include <cerrno>
 #include <iostream>
 
@@ -110,19 +108,19 @@ void Watch::run()
 
 } // namespace
 
-Action addPpsWatch(CLI::App &verb, const DeviceOption &device)
+Action addPpsWatch(const Command &verb, const DeviceOption &device)
 {
     const auto options = std::make_shared<WatchOptions>();
-    verb.add_option("path", options->path, "The path of an object or a directory, below /pps")
-        ->required()
-        ->type_name("PATH");
-    verb.add_option("--count", options->count, "End after N texts; the first is all that is there")
-        ->type_name("N")
-        ->check(CLI::Range(1, 1000000));
+    verb.add("path", options->path, "The path of an object or a directory, below /pps")
+        .required()
+        .typeName("PATH");
+    verb.add("--count", options->count, "End after N texts; the first is all that is there")
+        .typeName("N")
+        .range(1, 1000000);
     addSecondsOption(verb, "--timeout", options->timeoutSeconds, "End then at the latest, with code 124");
-    verb.add_flag("--whole", options->wantsWhole, "Print the whole object at each change");
-    verb.add_flag("--json", options->json,
-                  "As JSON, one object a line, with lists of the attributes created and deleted");
+    verb.addFlag("--whole", options->wantsWhole, "Print the whole object at each change");
+    verb.addFlag("--json", options->json,
+                 "As JSON, one object a line, with lists of the attributes created and deleted");
     return [device, options] {
         const std::string path = objectPath(options->path);
         useDevice(*device);

@@ -10,8 +10,6 @@
 #include "device/Device.h"
 #include "device/process/Terminal.h"
 
-#include <CLI/CLI.hpp>
-
 #include <memory>
 
 namespace kelp::tool {
@@ -26,16 +24,6 @@ struct RunOptions {
     bool takesTerminal = false;
     std::string scenario; // a path; empty: none
     bool json = false;
-};
-
-// The application stands behind the options that the parser sees, and so in none of its usage lines.
-class RunHelp : public CLI::Formatter
-{
-public:
-    std::string make_usage(const CLI::App *, std::string) const override
-    {
-        return "Usage: kelp-device run [OPTIONS] -- APP [ARGS]...\n";
-    }
 };
 
 device::DeviceDirectory claimDirectory(const std::string &option)
@@ -90,22 +78,21 @@ int runApplication(const RunOptions &options, const Invocation &invocation)
 
 } // namespace
 
-Action addRun(CLI::App &verb, const Invocation &invocation)
+Action addRun(const Command &verb, const Invocation &invocation)
 {
     const auto options = std::make_shared<RunOptions>();
-    verb.formatter(std::make_shared<RunHelp>());
+    // The application stands behind the options that the parser sees, and so in none of its usage lines.
+    verb.setUsage("Usage: kelp-device run [OPTIONS] -- APP [ARGS]...\n");
     options->setUp.addTo(verb, "Put the device here, so that other commands can drive it");
-    verb.add_option("--trace", options->trace, "Trace to standard error, or to FILE")
-        ->option_text("[=FILE]")
-        ->expected(0, 1)
-        ->default_str(STANDARD_ERROR);
-    verb.add_flag("--terminal", options->takesTerminal,
-                  "Give the terminal to APP, Ctrl-C included: for debuggers");
-    CLI::Option *scenario =
-        verb.add_option("--scenario", options->scenario, "Carry out the steps in FILE")->type_name("FILE");
-    verb.add_flag("--json", options->json, "Report the scenario's steps as JSON, one object a line")
-        ->needs(scenario);
-    verb.footer(
+    verb.add("--trace", options->trace, "Trace to standard error, or to FILE")
+        .optionalValue(STANDARD_ERROR, "[=FILE]");
+    verb.addFlag("--terminal", options->takesTerminal,
+                 "Give the terminal to APP, Ctrl-C included: for debuggers");
+    const Parameter scenario =
+        verb.add("--scenario", options->scenario, "Carry out the steps in FILE").typeName("FILE");
+    verb.addFlag("--json", options->json, "Report the scenario's steps as JSON, one object a line")
+        .needs(scenario);
+    verb.setFooter(
         stepHelp() +
         "\n\n"
         "With a scenario, the exit code is 0 when every step held, 1 when one did not, 4 when a signal ended "

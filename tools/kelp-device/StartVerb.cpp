@@ -8,8 +8,6 @@
 #include "Verb.h"
 #include "device/Device.h"
 
-#include <CLI/CLI.hpp>
-
 #include <iostream>
 #include <memory>
 
@@ -63,15 +61,15 @@ int start(const StartOptions &options)
 
 } // namespace
 
-Action addStart(CLI::App &verb, const Invocation &)
+Action addStart(const Command &verb, const Invocation &)
 {
     const auto options = std::make_shared<StartOptions>();
     options->setUp.addTo(verb, "Put the device here");
-    verb.add_option("--trace", options->trace,
-                    "Trace to this file; without it, to trace.log in the device's directory")
-        ->type_name("FILE");
-    verb.add_flag("--foreground", options->staysInForeground, "Run in the foreground, not as a daemon");
-    verb.footer("Prints a line for a shell: eval \"$(kelp-device start)\"");
+    verb.add("--trace", options->trace,
+             "Trace to this file; without it, to trace.log in the device's directory")
+        .typeName("FILE");
+    verb.addFlag("--foreground", options->staysInForeground, "Run in the foreground, not as a daemon");
+    verb.setFooter("Prints a line for a shell: eval \"$(kelp-device start)\"");
     return [options] {
         return start(*options);
     };

@@ -8,14 +8,12 @@
 #include "StateTable.h"
 #include "Verb.h"
 
-#include <CLI/CLI.hpp>
-
 #include <iostream>
 #include <memory>
 
 namespace kelp::tool {
 
-Action addState(CLI::App &verb, const Invocation &)
+Action addState(const Command &verb, const Invocation &)
 {
     struct Options {
         std::string device;
@@ -23,7 +21,7 @@ Action addState(CLI::App &verb, const Invocation &)
     };
     const auto options = std::make_shared<Options>();
     addDeviceOption(verb, options->device, "The device's directory");
-    verb.add_flag("--json", options->json, "As JSON, one object a line: the device, then each application");
+    verb.addFlag("--json", options->json, "As JSON, one object a line: the device, then each application");
     return [options] {
         DeviceClient client(deviceDirectory(options->device));
         const std::string report = client.ask("state");

@@ -8,14 +8,12 @@
 #include "StateTable.h"
 #include "Verb.h"
 
-#include <CLI/CLI.hpp>
-
 #include <iostream>
 #include <memory>
 
 namespace kelp::tool {
 
-Action addStatus(CLI::App &verb, const Invocation &)
+Action addStatus(const Command &verb, const Invocation &)
 {
     struct Options {
         std::string device;
@@ -23,7 +21,7 @@ Action addStatus(CLI::App &verb, const Invocation &)
     };
     const auto options = std::make_shared<Options>();
     addDeviceOption(verb, options->device, "The device's directory");
-    verb.add_flag("--json", options->json, "As JSON");
+    verb.addFlag("--json", options->json, "As JSON");
     return [options] {
         DeviceClient client(deviceDirectory(options->device));
         const std::string report = client.ask("status");

@@ -7,13 +7,11 @@
 #include "Failure.h"
 #include "Verb.h"
 
-#include <CLI/CLI.hpp>
-
 #include <memory>
 
 namespace kelp::tool {
 
-Action addStop(CLI::App &verb, const Invocation &)
+Action addStop(const Command &verb, const Invocation &)
 {
     struct Options {
         std::string device;
@@ -22,7 +20,7 @@ Action addStop(CLI::App &verb, const Invocation &)
     const auto options = std::make_shared<Options>();
     addDeviceOption(verb, options->device, "The device's directory");
     addSecondsOption(verb, "--timeout", options->timeoutSeconds, "How long to wait for the end");
-    verb.footer(
+    verb.setFooter(
         "Its applications are asked to exit and have their grace. Stopped once more meanwhile, the device "
         "ends them at once.");
     return [options] {

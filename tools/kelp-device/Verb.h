@@ -3,13 +3,11 @@
 // be done once they are parsed; main.cpp holds the one list of them.
 #pragma once
 
+#include "CommandLine.h"
+
 #include <functional>
 #include <string>
 #include <vector>
-
-namespace CLI {
-class App;
-}
 
 namespace kelp::tool {
 
@@ -22,14 +20,14 @@ struct Invocation {
 // Does the verb's work and returns the exit code. Throws Failure.
 using Action = std::function<int()>;
 
-Action addEvent(CLI::App &verb, const Invocation &invocation);
-Action addFail(CLI::App &verb, const Invocation &invocation);
-Action addPps(CLI::App &verb, const Invocation &invocation);
-Action addRun(CLI::App &verb, const Invocation &invocation);
-Action addStart(CLI::App &verb, const Invocation &invocation);
-Action addState(CLI::App &verb, const Invocation &invocation);
-Action addStatus(CLI::App &verb, const Invocation &invocation);
-Action addStop(CLI::App &verb, const Invocation &invocation);
-Action addWait(CLI::App &verb, const Invocation &invocation);
+Action addEvent(const Command &verb, const Invocation &invocation);
+Action addFail(const Command &verb, const Invocation &invocation);
+Action addPps(const Command &verb, const Invocation &invocation);
+Action addRun(const Command &verb, const Invocation &invocation);
+Action addStart(const Command &verb, const Invocation &invocation);
+Action addState(const Command &verb, const Invocation &invocation);
+Action addStatus(const Command &verb, const Invocation &invocation);
+Action addStop(const Command &verb, const Invocation &invocation);
+Action addWait(const Command &verb, const Invocation &invocation);
 
 } // namespace kelp::tool

@@ -8,8 +8,6 @@
 #include "ObjectView.h"
 #include "Verb.h"
 
-#include <CLI/CLI.hpp>
-
 #include <memory>
 #include <sstream>
 
@@ -53,17 +51,16 @@ int wait(const WaitOptions &options)
 
 } // namespace
 
-Action addWait(CLI::App &verb, const Invocation &)
+Action addWait(const Command &verb, const Invocation &)
 {
     const auto options = std::make_shared<WaitOptions>();
     addDeviceOption(verb, options->device, "The device's directory");
-    verb.add_option("condition", options->condition, "What to wait for")->type_name("CONDITION");
-    verb.add_option("--app", options->application, "The application; needed only where several run")
-        ->type_name("ID");
-    verb.add_option("--count", options->count, "How often the request has to have come (1 by default)")
-        ->type_name("N");
+    verb.add("condition", options->condition, "What to wait for").typeName("CONDITION");
+    verb.add("--app", options->application, "The application; needed only where several run").typeName("ID");
+    verb.add("--count", options->count, "How often the request has to have come (1 by default)")
+        .typeName("N");
     addSecondsOption(verb, "--timeout", options->timeoutSeconds, "Give up then, with code 124");
-    verb.footer(conditionHelp());
+    verb.setFooter(conditionHelp());
     return [options] {
         return wait(*options);
     };

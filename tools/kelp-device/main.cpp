@@ -4,8 +4,6 @@
 #include "Failure.h"
 #include "Verb.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <iostream>
 
@@ -19,7 +17,7 @@ namespace {
 struct VerbSpec {
     const char *name;
     const char *help;
-    Action (*add)(CLI::App &verb, const Invocation &invocation);
+    Action (*add)(const Command &verb, const Invocation &invocation);
 };
 
 constexpr VerbSpec VERBS[] = {
@@ -60,26 +58,27 @@ void openStandardStreams()
 int runVerb(std::vector<std::string> arguments)
 {
     const Invocation invocation = takeApplication(arguments);
-    CLI::App app("A device for applications of the platform, on Linux.", "kelp-device");
-    app.set_version_flag("--version", "kelp-device " KELP_VERSION);
-    app.require_subcommand(0, 1);
-    std::vector<std::pair<CLI::App *, Action>> actions;
+    CommandLine commandLine("kelp-device", "A device for applications of the platform, on Linux.",
+                            "kelp-device " KELP_VERSION);
+    std::vector<std::pair<Command, Action>> actions;
     for (const VerbSpec &spec : VERBS) {
-        CLI::App *verb = app.add_subcommand(spec.name, spec.help);
-        actions.emplace_back(verb, spec.add(*verb, invocation));
+        const Command verb = commandLine.program().addCommand(spec.name, spec.help);
+        actions.emplace_back(verb, spec.add(verb, invocation));
     }
-    try {
-        std::reverse(arguments.begin(), arguments.end()); // the order in which the parser takes them
-        app.parse(std::move(arguments));
-    } catch (const CLI::ParseError &error) {
-        return app.exit(error) == 0 ? EXIT_HELD : EXIT_USAGE;
+    switch (commandLine.parse(std::move(arguments))) {
+    case CommandLine::Outcome::Parsed:
+        break;
+    case CommandLine::Outcome::Answered:
+        return EXIT_HELD;
+    case CommandLine::Outcome::Refused:
+        return EXIT_USAGE;
     }
     const auto chosen = std::find_if(actions.begin(), actions.end(),
-                                     [](const auto &action) { return action.first->parsed(); });
+                                     [](const auto &action) { return action.first.isChosen(); });
     if (chosen == actions.end()) {
         throw Failure(EXIT_USAGE, "what to do? Give a verb, such as run or status; --help lists them");
     }
-    if (invocation.hasSeparator && chosen->first->get_name() != "run") {
+    if (invocation.hasSeparator && chosen->first.name() != "run") {
         throw Failure(EXIT_USAGE, "only run takes an application behind --: leave the -- out");
     }
     return chosen->second();
