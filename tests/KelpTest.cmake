@@ -2,6 +2,11 @@
 # How a test is made known to CTest: with its labels, a bound on its time and the thread sanitizer's suppressions.
 include_guard()
 
+# The programs of all tests labelled "thread": what a build for the thread sanitizer needs at least.
+if(NOT TARGET thread-tests)
+    add_custom_target(thread-tests)
+endif()
+
 # kelp_register_test(<name> COMMAND <command>... LABELS <label>... [ENVIRONMENT <NAME=value>...])
 function(kelp_register_test name)
     cmake_parse_arguments(PARSE_ARGV 1 test "" "" "COMMAND;LABELS;ENVIRONMENT")
@@ -18,5 +23,8 @@ function(kelp_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 test "" "" "SOURCES;LIBRARIES;LABELS")
     add_executable(${name} ${test_SOURCES})
     target_link_libraries(${name} PRIVATE ${test_LIBRARIES})
+    if("thread" IN_LIST test_LABELS)
+        add_dependencies(thread-tests ${name})
+    endif()
     kelp_register_test(${name} COMMAND ${name} LABELS ${test_LABELS})
 endfunction()
