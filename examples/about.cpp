@@ -88,7 +88,8 @@ void printImages()
 {
     constexpr unsigned char CHECKERBOARD[] = {0, 0, 0, 0, 255, 255, 255, 255, 255, 255, 255, 255, 0, 0, 0, 0};
     const auto image = kelp::ImageData::fromPixels(CHECKERBOARD, kelp::PixelFormat::RGBX, 2, 2, 8);
-    const kelp::ImageData shared = image;
+    kelp::ImageData shared;
+    shared = image;
     const kelp::ImageData other = inverted(image);
     say("a copy shares the pixels",
         shared.constPixels() == image.constPixels() ? QStringLiteral("yes") : QStringLiteral("no"));

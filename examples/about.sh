@@ -65,7 +65,7 @@ memory_limit() {
         ,,) folder=/sys/fs/cgroup$group ;;
         *) continue ;;
         esac
-        while [[ $folder == /sys/fs/cgroup/* ]]; do
+        while [[ $folder/ == /sys/fs/cgroup/* ]]; do
             for limit in $(cat "$folder/memory.max" "$folder/memory.limit_in_bytes" 2>/dev/null); do
                 [ "$limit" != max ] && [ "$limit" -lt "$smallest" ] && smallest=$limit
             done

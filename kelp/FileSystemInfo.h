@@ -23,8 +23,8 @@ class FileSystemInfoPrivate;
  * }
  * \endcode
  *
- * The environment variable DISK_ALIMIT may hold back space: a number of blocks of the root file system, by which the
- * capacity of that file system and its free space are smaller than they are. A negative number makes them larger; what
+ * The environment variable DISK_ALIMIT may hold back space: a number of blocks, of the root file system's preferred
+ * size, by which the capacity of that file system and its free space are smaller than they are. A negative number makes them larger; what
  * is no decimal number holds back nothing. The variable, and what file system is the root, are read when the object
  * is made; where the root cannot be examined at that time, the object never holds anything back.
  *
@@ -42,7 +42,7 @@ public:
     /*! The errno of the last query of this object if that failed, else 0. */
     Q_INVOKABLE int error() const;
 
-    /*! The platform's text for error(), which it has for 0 as well. */
+    /*! The platform's text for error(), which it has for 0 as well; meant for texts in ASCII. */
     Q_INVOKABLE QString errorString() const;
 
     /*!
@@ -66,7 +66,8 @@ public:
 
     /*!
      * The size in bytes under which the device's storage is sold: that of the root file system, rounded to gigabytes of
-     * 1,000,000,000 bytes, and these to a power of two (3 to 4, 5 to 4, 6 to 8, 24 to 32). The reserve does not count.
+     * 1,000,000,000 bytes, and these to a power of two (3 to 4, 5 to 4, 6 to 8, 24 to 32). The reserve does not count, and
+     * of the number of blocks only the low 32 bits do.
      *
      * 0 for less than half a gigabyte, and for more than the largest such size that can be told, 2^31 gigabytes.
      * Returns -1 when the root cannot be examined; error() is then the errno of statvfs(), else 0.

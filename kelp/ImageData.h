@@ -26,7 +26,7 @@ namespace kelp {
  * above. An image has at most 2,147,483,647 bytes.
  *
  * What fails gives a warning in the log and an invalid image, which still has the width, height and format that were
- * asked for. Copies of it are invalid too.
+ * asked for.
  *
  * Threads: a copy may be used on any thread, also while others are used elsewhere. Nothing guards one object that
  * several threads use, nor the pixels behind a pointer that an object has given away.
@@ -87,10 +87,12 @@ public:
      *
      * While other objects share the pixels, this one first gets a copy of them, so that they do not see the change. When
      * there is no memory for that it gives a warning, and this image has become an invalid one. A shared image
-     * that is invalid for its dimensions gives their warning anew; one that lacked memory asks for it again.
+     * that is invalid for its dimensions gives their warning anew; one that lacked memory asks for it again, and if it gets
+     * it becomes a valid image whose bytes have no particular values.
      *
-     * The pointer holds until this object is destroyed or assigned to. Copy the object only when the writing is over:
-     * from then on the copies share what the pointer points to, and would see it change.
+     * The pointer holds until this object is destroyed, assigned to, or asked for writable pixels while copies share
+     * them. Copy the object only when the writing is over: from then on the copies share what the pointer points to, and
+     * would see it change.
      */
     unsigned char *pixels();
 

@@ -23,7 +23,9 @@ class MemoryInfoPrivate;
  * The object listens for warnings as long as it lives. Of several objects on one thread, each is warned.
  *
  * Threads: warnings arrive, and signals are emitted, on the thread that made the object, which needs an event loop; it
- * is also the one to destroy the object. The queries may be called from any thread.
+ * is also the one to destroy the object. Make it when the thread has its event dispatcher, on the main thread after the
+ * application object: one made earlier keeps itself and every other receiver of platform events of that thread from
+ * hearing anything. The queries may be called from any thread.
  */
 class KELP_EXPORT MemoryInfo : public QObject
 {
@@ -38,7 +40,10 @@ public:
     explicit MemoryInfo(QObject *parent = nullptr);
     ~MemoryInfo() override;
 
-    /*! All physical memory that the device has, in bytes. Never fails. */
+    /*!
+     * The physical memory of the device in bytes, or the limit of the process's control group where that is less, as
+     * they were when the process started. 0 when the device does not tell.
+     */
     Q_INVOKABLE qint64 totalDeviceMemory() const;
 
     /*!

@@ -95,7 +95,8 @@ public:
 
     /*!
      * The languages that the package supports, in the order of "Package-Locale", where commas part their
-     * names; or empty. A name that Qt does not know gives the C locale.
+     * names; or empty. White space counts as part of the comma, but not at the beginning and the end of the
+     * value. A name that Qt does not know gives the C locale.
      */
     QList<QLocale> locales() const;
 

@@ -19,7 +19,7 @@ public:
     // attributes at all.
     CaskParser();
 
-    // Reads a manifest from a device that is open for reading, in text mode.
+    // Reads a manifest from a device that is open for reading, in text mode; for the fuzz target.
     explicit CaskParser(QIODevice *device);
 
     // The value stored under exactly this name; null when there is none.

@@ -9,7 +9,7 @@ unset KELP_DEVICE
 
 "$CMAKE" --install "$BUILD" --prefix "$work/prefix" >/dev/null
 here=$(cd "$(dirname "$0")" && pwd)/consumer
-"$CMAKE" -S "$here" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/prefix" -DCMAKE_CXX_COMPILER="$CXX" \
+"$CMAKE" -G Ninja -S "$here" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/prefix" -DCMAKE_CXX_COMPILER="$CXX" \
     -DCMAKE_CXX_FLAGS="$FLAGS" -DLIBRARY="$LIBRARY" >"$work/log" 2>&1 &&
     "$CMAKE" --build "$work/build" >>"$work/log" 2>&1 || { cat "$work/log" >&2; exit 1; }
 # The application asks for events, finds no device, and runs all the same.

@@ -31,8 +31,9 @@ kelp::operator<<(QDebug, kelp::PixelFormat::Type)
 kelp::operator<<(QDebug, kelp::PpsAttribute const&)'
 stray=$(grep -vE "^((typeinfo|typeinfo name|vtable) for )?(non-virtual thunk to )?kelp::($public)(::|$)" <<<"$symbols" |
     grep -vxF "$printers" || true)
+stray+=$(grep 'Private::' <<<"$symbols" || true)
 [ -z "$stray" ] || fail "lib$LIBRARY exports what is not public: $stray"
-for class in AbstractTarnEventHandler Application ApplicationSupport FileSystemInfo MemoryInfo PpsObject UIToolkitSupport; do
+for class in AbstractTarnEventHandler Application ApplicationInfo ApplicationSupport FileSystemInfo MemoryInfo PackageInfo PpsObject UIToolkitSupport; do
     grep -qx "typeinfo for kelp::$class" <<<"$symbols" || fail "kelp::$class has no typeinfo"
 done
 [ "$(grep -xF "$printers" <<<"$symbols" | LC_ALL=C sort)" = "$printers" ] ||

@@ -100,6 +100,9 @@ TEST_F(Run, RefusesWrongUsage)
         {"run", "--screen", "768", "--", "true"},
         {"start", "--screen", "0x1"},
         {"start", "--theme", "grey"},
+        {"start", "--limit", "objects"},
+        {"start", "--limit", "objects=15"},
+        {"start", "--limit", "no-such-limit=100"},
         {"event", "rotate"},
         {"status", "extra"},
         {"status", "--", "true"},
@@ -120,6 +123,16 @@ TEST_F(Run, RefusesWrongUsage)
         EXPECT_EQ(result.output, "");
         EXPECT_NE(result.errors, "");
     }
+}
+
+TEST_F(Run, BoundsWhatItsClientsTakeUp)
+{
+    const Result result = Command::run(
+        runOf({"sh", "-c", "printf 'v::%2000s\\n' x | \"$0\" pps set --raw /a", KELP_DEVICE_PROGRAM},
+              {"--limit", "descriptors=8", "--limit", "object-bytes=1024"}));
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_NE(result.errors.find("larger than the device's largest object"), std::string::npos)
+        << result.errors;
 }
 
 TEST_F(Run, ReportsADeviceThatCannotBeSetUp)

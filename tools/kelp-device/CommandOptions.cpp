@@ -4,6 +4,7 @@
 #include "CommandOptions.h"
 
 #include "DeviceLocation.h"
+#include "LimitOptions.h"
 #include "device/pressure/MemoryPressure.h"
 #include "device/report/TraceWriter.h"
 
@@ -67,6 +68,10 @@ void SetUpOptions::addTo(const Command &verb, const std::string &deviceHelp)
     verb.add("--memory-pressure", memoryPressure,
              "Raise low-memory events from the kernel's figures, of the system or of FILE")
         .optionalValue(device::MemoryPressure::SYSTEM_FILE, "[=FILE]");
+    verb.add("--limit", limits, "Bound what clients may take up: " + limitNames())
+        .typeName("NAME=N")
+        .check(checkLimit)
+        .oneValueEach();
 }
 
 device::Settings SetUpOptions::settings() const
@@ -86,6 +91,7 @@ device::DeviceOptions SetUpOptions::deviceOptions() const
     if (!memoryPressure.empty()) {
         options.memoryPressureFile = absolutePath(memoryPressure);
     }
+    applyLimits(limits, options);
     options.ownsProcess = true;
     return options;
 }

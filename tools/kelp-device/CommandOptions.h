@@ -8,6 +8,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace kelp::tool {
 
@@ -26,7 +27,8 @@ struct SetUpOptions {
     bool leavesOverstaying = false;
     std::string screen = device::screenSizeText(device::DeviceProperties().size);
     std::string theme = device::DeviceProperties().theme;
-    std::string memoryPressure; // a path; empty: not to be followed
+    std::string memoryPressure;      // a path; empty: not to be followed
+    std::vector<std::string> limits; // NAME=N
 
     void addTo(const Command &verb, const std::string &deviceHelp);
     // All but the trace; paths are taken from the present working directory.

@@ -81,14 +81,18 @@ int ProcEntry::access(int mode) const
     if (mode & ~ANY_ACCESS) {
         return EINVAL;
     }
-    if (const int error = errnoOfAccess(_process.c_str(), F_OK)) {
+    // EPERM, here and below: it is there, but the system keeps others' processes from the caller.
+    if (const int error = errnoOfAccess(_process.c_str(), F_OK); error && error != EPERM) {
         return error;
     }
     if (mode & (W_OK | X_OK)) {
         return EACCES;
     }
-    std::int64_t bytes = 0;
-    return mode & R_OK ? residentSet(_process, bytes) : 0;
+    if (!(mode & R_OK)) {
+        return 0;
+    }
+    const int error = errnoOfAccess((_process + "/statm").c_str(), R_OK);
+    return error == EPERM ? EACCES : error;
 }
 
 int ProcEntry::size(std::int64_t &bytes) const

@@ -67,12 +67,9 @@ std::uint64_t ControlGroup::reclaimable(ControlGroupVersion version, std::string
     return sum;
 }
 
-// Empty where it cannot be read.
 std::string ControlGroup::read(const char *file) const
 {
-    std::string text;
-    (void)readKernelFile(_folder.path + '/' + file, text); // the text stays empty
-    return text;
+    return kernelText(_folder.path + '/' + file);
 }
 
 } // namespace kelp::platform

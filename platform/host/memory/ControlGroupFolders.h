@@ -17,7 +17,8 @@ struct ControlGroupFolder {
 
 // The folders of the process's group and of its ancestors, in every hierarchy that can limit memory, as far
 // as they are mounted; from the texts of /proc/self/cgroup and /proc/self/mountinfo. A folder need not exist:
-// a group may have been deleted, or be out of sight.
+// a group may have been deleted, or be out of sight. In version 1 too, a group's limit is taken to hold for the groups
+// below it, as it always does from Linux 5.11 on.
 std::vector<ControlGroupFolder> controlGroupFolders(std::string_view groups, std::string_view mounts);
 
 } // namespace kelp::platform

@@ -9,6 +9,7 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
+#include <system_error>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -35,6 +36,16 @@ int readKernelFile(const std::string &path, std::string &text)
     }
     text = std::move(whole);
     return 0;
+}
+
+std::string kernelText(const std::string &path)
+{
+    std::string text;
+    const int error = readKernelFile(path, text);
+    if (error == EMFILE || error == ENFILE || error == ENOMEM) {
+        throw std::system_error(error, std::generic_category(), path);
+    }
+    return text;
 }
 
 std::string_view takeUpTo(std::string_view &text, char separator)

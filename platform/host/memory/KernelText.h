@@ -13,6 +13,10 @@ namespace kelp::platform {
 // Reads a file. Returns 0, or an errno with the text as it was.
 int readKernelFile(const std::string &path, std::string &text);
 
+// The text of a file; empty where there is none and where it is kept from the caller. Throws std::system_error where
+// descriptors or memory have run out.
+std::string kernelText(const std::string &path);
+
 // Takes what stands in front of a separator off a text, and the separator: all of the text where there is
 // none.
 std::string_view takeUpTo(std::string_view &text, char separator);

@@ -39,12 +39,9 @@ std::optional<std::uint64_t> PhysicalMemory::available() const
     return available;
 }
 
-// Empty where it cannot be read.
 std::string PhysicalMemory::read(const char *path) const
 {
-    std::string text;
-    (void)readKernelFile(_root + path, text); // the text stays empty
-    return text;
+    return kernelText(_root + path);
 }
 
 // Found anew each time: a process can be moved to another group, and groups can be mounted later.

@@ -12,6 +12,7 @@
 
 namespace kelp::platform {
 
+// Each question throws std::system_error where descriptors or memory have run out.
 class PhysicalMemory
 {
 public:

@@ -129,13 +129,15 @@ PLATFORM_EXPORT int devicefs_access(const char *path, int mode);
  *
  * Of "/proc": free physical memory, which is what the process can have without anything being swapped out;
  * memory that the system takes back at need, such as copies of files, counts as free. Where control groups
- * limit the process's memory, no more than what is left of each limit. 0 or more.
+ * limit the process's memory, no more than what is left of each limit (of the hard ones: memory.max, or
+ * memory.limit_in_bytes). 0 or more.
  *
  * Of "/proc/<pid>/as" (see devicefs_access()): the physical memory that the process uses, its resident set,
  * shared pages included; 0 for a process that has ended and has not been waited for.
  *
  * Both are taken anew at each call.
  *   ENOENT, EACCES  as devicefs_access() has them,
+ *   EMFILE, ENFILE, ENOMEM  no descriptor or memory is left to read it with,
  *   EIO             the system does not tell the figure.
  */
 PLATFORM_EXPORT int64_t devicefs_size(const char *path);

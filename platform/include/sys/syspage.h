@@ -13,7 +13,7 @@
  *
  * The range named "memory" is the whole extent of the physical memory. Those named "ram" lie in it and add up
  * to what the process can use: the machine's memory, or less where the process's control group, or one that
- * it lies in, is limited to less. Where the system does not tell, there are no ranges. Others may be added
+ * it lies in, is limited to less (memory.max, or memory.limit_in_bytes). Where the system does not tell, there are no ranges. Others may be added
  * under other names: skip those.
  *
  * The addresses serve to tell sizes. They are none that the machine uses, which processes do not get to know.

@@ -23,13 +23,14 @@ private:
     static inline bool s_isFailing = false;
 };
 
+// Not inlined: g++ would see one of a pair without the other, and warn.
 // clang-format off
 void *operator new(std::size_t size) { if (void *memory = std::malloc(size)) { return memory; } throw std::bad_alloc(); }
 void *operator new[](std::size_t size) { return operator new(size); }
 void *operator new(std::size_t size, const std::nothrow_t &) noexcept { return FailingMemory::allocate(size); }
 void *operator new[](std::size_t size, const std::nothrow_t &) noexcept { return FailingMemory::allocate(size); }
-void operator delete(void *memory) noexcept { std::free(memory); }
-void operator delete[](void *memory) noexcept { std::free(memory); }
-void operator delete(void *memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void *memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void *memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete[](void *memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void *memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete[](void *memory, std::size_t) noexcept { std::free(memory); }
 // clang-format on
