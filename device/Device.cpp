@@ -93,7 +93,9 @@ public:
     std::optional<MemoryPressure> memoryPressure;
     std::optional<DeviceDirectory> directory;
     Store store;
-    StateObjects stateObjects{store};
+    StateObjects stateObjects{store, [this](const std::string &text) {
+                                  note({clock.now(), 0, {}, text});
+                              }};
     bool stateHasChanged = false; // since it was last published
     ControlCommands commands;
     ObjectDoor objects;
@@ -117,6 +119,7 @@ public:
 private:
     void send(ProcessId process, const link::Event &event) override { door.send(process, event); }
     void sendTo(ChannelId channel, const link::Event &event) override { door.sendTo(channel, event); }
+    bool takesEvents(ProcessId process) override { return door.takesEvents(process); }
     bool hasRoom(ProcessId process, std::size_t events) override { return door.hasRoom(process, events); }
     void signal(ProcessId process, int number) override { door.signal(process, number); }
     Label label(pid_t pid) override;
@@ -164,8 +167,13 @@ Device::Private::~Private()
 
 DeviceState Device::Private::state() const
 {
-    return {::getpid(),         directory->path(),         clock, navigator.applications().size(),
-            navigator.screen(), navigator.memorySeverity()};
+    return {::getpid(),
+            directory->path(),
+            clock,
+            navigator.applications().size(),
+            navigator.screen(),
+            navigator.memorySeverity(),
+            navigator.launches()};
 }
 
 std::optional<MemoryPressure> Device::Private::followMemoryPressure()

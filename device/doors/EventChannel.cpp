@@ -7,6 +7,7 @@
 
 #include <cerrno>
 
+#include <poll.h>
 #include <sys/socket.h>
 
 namespace kelp::device {
@@ -36,6 +37,12 @@ EventChannel::EventChannel(EventLoop &loop, link::UniqueFd socket, std::size_t b
       _ended(std::move(ended))
 {
     _watch.onReadable([this] { onReadable(); });
+}
+
+bool EventChannel::hasClient() const
+{
+    pollfd socket{_socket.get(), 0, 0};
+    return _isOpen && (::poll(&socket, 1, 0) <= 0 || !(socket.revents & POLLHUP));
 }
 
 void EventChannel::send(const link::Event &event)

@@ -29,6 +29,8 @@ public:
     EventChannel &operator=(const EventChannel &) = delete;
 
     bool isOpen() const { return _isOpen; }
+    // Open, and the client has not closed its end, which the loop hears of only later.
+    bool hasClient() const;
     // One that has ended takes any number, to no effect.
     bool hasRoom(std::size_t events) const { return !_isOpen || _outgoing.messages() + events <= _backlog; }
 

@@ -53,6 +53,12 @@ void PeerProcess::sendTo(ChannelId channel, const link::Event &event)
     }
 }
 
+bool PeerProcess::takesEvents() const
+{
+    return std::any_of(_channels.begin(), _channels.end(),
+                       [](const auto &entry) { return entry.second.hasClient(); });
+}
+
 bool PeerProcess::hasRoom(std::size_t events) const
 {
     return _channels.empty() || std::any_of(_channels.begin(), _channels.end(), [events](const auto &entry) {

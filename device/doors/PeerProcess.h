@@ -32,6 +32,7 @@ public:
 
     void send(const link::Event &event);
     void sendTo(ChannelId channel, const link::Event &event); // of no effect where it has no such channel
+    bool takesEvents() const;                                 // on one channel at least
     bool hasRoom(std::size_t events) const;
 
 private:

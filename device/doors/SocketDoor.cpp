@@ -42,6 +42,12 @@ void SocketDoor::sendTo(ChannelId channel, const link::Event &event)
     }
 }
 
+bool SocketDoor::takesEvents(ProcessId process) const
+{
+    const auto found = _processes.find(process);
+    return found != _processes.end() && found->second.takesEvents();
+}
+
 bool SocketDoor::hasRoom(ProcessId process, std::size_t events) const
 {
     const auto found = _processes.find(process);

@@ -36,6 +36,7 @@ public:
     // As in NavigatorPort. What is for a process or channel that has gone is dropped.
     void send(ProcessId process, const link::Event &event);
     void sendTo(ChannelId channel, const link::Event &event);
+    bool takesEvents(ProcessId process) const;
     bool hasRoom(ProcessId process, std::size_t events) const;
     void signal(ProcessId process, int number) const;
 

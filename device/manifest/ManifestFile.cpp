@@ -19,9 +19,8 @@ ManifestReading readManifest(pid_t pid)
     if (pid <= 0) {
         return {};
     }
-    const FileReading file =
-        readRegularFile("/proc/" + std::to_string(pid) + "/cwd/" + FILE_NAME, MOST_BYTES);
-    if (!file.isReached) {
+    const FileReading file = readFileOfProcess(pid, FILE_NAME, MOST_BYTES);
+    if (file.isMissing) {
         return {};
     }
     ManifestReading reading;

@@ -90,6 +90,9 @@ void Application::apply(const link::Event &event)
     case NAVIGATOR_WINDOW_INACTIVE:
         groupOf(event)->active = event.code == NAVIGATOR_WINDOW_ACTIVE;
         break;
+    case NAVIGATOR_ORIENTATION:
+        _orientation = {event.id, event.angle};
+        break;
     default:
         break; // changes nothing that the record holds
     }

@@ -21,6 +21,12 @@ struct ClosePrompt {
     bool shown = false;  // a person has been asked and has not answered yet
 };
 
+// How the application takes the screen to be held: upright, until it is told otherwise.
+struct ToldOrientation {
+    std::string rotation; // the id under which it was told last; empty: never
+    int angle = 0;        // degrees
+};
+
 class Application
 {
 public:
@@ -68,6 +74,7 @@ public:
 
     bool hasBadge() const { return _hasBadge; }
     void setBadge(bool shown) { _hasBadge = shown; }
+    const ToldOrientation &orientation() const { return _orientation; }
     bool isOrientationLocked() const { return _isOrientationLocked; }
     void lockOrientation(bool locked) { _isOrientationLocked = locked; }
     bool wantsSwipeStart() const { return _wantsSwipeStart; }
@@ -94,6 +101,7 @@ private:
     std::optional<ClosePrompt> _closePrompt;
     Duration _windowCreationTimeout{0};
     bool _hasBadge = false;
+    ToldOrientation _orientation;
     bool _isOrientationLocked = false;
     bool _wantsSwipeStart = false;
     Duration _extended{0};

@@ -31,6 +31,7 @@ void Applications::launch(Application &application)
     application.useGroupNumber(number);
     application.addGroup(application.groupId(number));
     _launched.push_back(&application);
+    ++_launches;
 }
 
 Application *Applications::findLaunched(std::string_view id) const

@@ -20,6 +20,7 @@ public:
     void launch(Application &application);
 
     const std::vector<Application *> &launched() const { return _launched; }
+    std::size_t launches() const { return _launches; }    // ever, with those of processes that have gone
     Application *findLaunched(std::string_view id) const; // null: there is none
     Application *ownerOf(std::string_view groupId) const; // null: there is no such group
 
@@ -36,6 +37,7 @@ private:
     std::map<ProcessId, Application> _processes; // by number; the records stay where they are
     std::vector<Application *> _launched;        // into _processes
     ProcessId _lastProcess = 0;
+    std::size_t _launches = 0;
 };
 
 } // namespace kelp::device

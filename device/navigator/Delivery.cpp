@@ -38,13 +38,20 @@ void Delivery::deliverWhatFits(const Plan &plan)
 {
     for (const auto &[application, event] : plan) {
         application->apply(event);
-        if (_port.hasRoom(application->process(), 1)) {
-            _port.send(application->process(), event);
-            _journal.note(*application, "sent " + describe(event));
-        } else {
-            _journal.note(*application, "dropped " + describe(event) + ": it does not read its events");
-        }
+        send(*application, event);
     }
+}
+
+void Delivery::send(const Application &application, const link::Event &event)
+{
+    if (!reaches(application)) {
+        return _journal.note(application, "dropped " + describe(event) + ": it takes no events");
+    }
+    if (!_port.hasRoom(application.process(), 1)) {
+        return _journal.note(application, "dropped " + describe(event) + ": it does not read its events");
+    }
+    _port.send(application.process(), event);
+    _journal.note(application, "sent " + describe(event));
 }
 
 void Delivery::tell(ChannelId channel, const Application &application, const link::Event &event)

@@ -21,19 +21,24 @@ class Delivery
 public:
     Delivery(NavigatorPort &port, Journal &journal) : _port(port), _journal(journal) {}
 
+    // Whether an event would reach the application at all.
+    bool reaches(const Application &application) const { return _port.takesEvents(application.process()); }
+
     // EAGAIN where a process has no room for its part of the plan.
     Outcome roomFor(const Plan &plan);
 
     // All of the plan or, on EAGAIN, nothing.
     Outcome deliver(const Plan &plan);
 
-    // All changes of the plan, whoever reads: an event that finds no room is dropped.
+    // All changes of the plan, whoever reads: an event that finds no room, or no channel, is dropped.
     void deliverWhatFits(const Plan &plan);
 
     // One event for one channel of the application. It changes nothing.
     void tell(ChannelId channel, const Application &application, const link::Event &event);
 
 private:
+    void send(const Application &application, const link::Event &event);
+
     NavigatorPort &_port;
     Journal &_journal;
 };

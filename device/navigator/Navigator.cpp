@@ -104,6 +104,7 @@ void Navigator::openedEvents(ProcessId process, ChannelId channel)
     }
     if (application->isLaunched()) {
         d->windows.tellState(*application, channel);
+        d->rotation.tellState(*application, channel);
     } else {
         application->setLabel(d->port.label(application->pid()));
         d->windows.launch(*application);
@@ -194,6 +195,7 @@ void Navigator::expireDeadlines()
     while (const std::optional<Deadline> due = d->deadlines.takeDue(now)) {
         d->reached(*due);
     }
+    d->rotation.settle(); // an application may have read what kept it from being told
 }
 
 std::vector<ApplicationState> Navigator::applications() const
@@ -205,6 +207,11 @@ std::vector<ApplicationState> Navigator::applications() const
         states.back().rotation = d->rotation.of(*application);
     }
     return states;
+}
+
+std::size_t Navigator::launches() const
+{
+    return d->applications.launches();
 }
 
 const RequestCounts &Navigator::requestCounts() const

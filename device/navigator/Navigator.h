@@ -66,6 +66,8 @@ public:
     // An event for every channel of a process, or for one channel.
     virtual void send(ProcessId process, const link::Event &event) = 0;
     virtual void sendTo(ChannelId channel, const link::Event &event) = 0;
+    // Whether the process has an open channel. One that has none keeps its state and gets no events.
+    virtual bool takesEvents(ProcessId process) = 0;
     // Whether a channel of the process can take that many more events, or it has none. One that cannot, while another
     // does, is closed at what it does not take: a thread that does not read keeps nothing from the others.
     virtual bool hasRoom(ProcessId process, std::size_t events) = 0;
@@ -160,6 +162,7 @@ public:
     void expireDeadlines();
 
     std::vector<ApplicationState> applications() const; // in the order of their launches
+    std::size_t launches() const;                       // of applications, since the device started
     const RequestCounts &requestCounts() const;
     const Screen &screen() const;
 

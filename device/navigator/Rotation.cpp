@@ -54,11 +54,14 @@ Outcome Rotation::turnDevice(int angle)
     if (angle == _screen.angle) {
         return {0, "nothing changes: the screen is at " + degrees(angle) + " already"};
     }
-    if (Application *inFront = _applications.inFront()) {
+    Application *inFront = _applications.inFront();
+    if (inFront && (inFront->isOrientationLocked() || _delivery.reaches(*inFront))) {
         return ask(*inFront, angle);
     }
-    _screen.angle = angle;
-    return {0, "no application is in front to be asked: the screen is at " + degrees(angle)};
+    _screen.angle = angle; // whoever is in front follows when things settle
+    const std::string reason =
+        inFront ? inFront->id() + " takes no events" : "no application is in front to be asked";
+    return {0, reason + ": the screen is at " + degrees(angle)};
 }
 
 Outcome Rotation::ask(Application &application, int angle)
@@ -90,6 +93,11 @@ Outcome Rotation::request(Application &application, int angle)
     if (const auto busy = refusal()) {
         return *busy;
     }
+    return begin(application, angle);
+}
+
+Outcome Rotation::begin(Application &application, int angle)
+{
     const std::string id = nextId();
     Outcome turned = turn(application, id, angle);
     if (turned.error != 0) {
@@ -108,7 +116,10 @@ Outcome Rotation::turn(Application &application, const std::string &id, int angl
         return sent;
     }
     _screen.angle = angle;
-    await({&application, id, angle, true}, _settings.orientationDoneTimeout);
+    _pending.reset();
+    if (_delivery.reaches(application)) { // else nobody is there to report the end
+        await({&application, id, angle, true}, _settings.orientationDoneTimeout);
+    }
     return {};
 }
 
@@ -180,6 +191,21 @@ void Rotation::turnReached(Application &application)
 
 void Rotation::settle()
 {
+    endForWhoHasLeft();
+    Application *inFront = _applications.inFront();
+    if (_pending || !inFront || inFront->orientation().angle == _screen.angle) {
+        return;
+    }
+    if (!inFront->isOrientationLocked()) {
+        (void)begin(*inFront, _screen.angle); // one without room for it is told when things settle again
+        return;
+    }
+    _screen.angle = inFront->orientation().angle;
+    _journal.note(*inFront, "has locked the orientation: the screen turns to " + degrees(_screen.angle));
+}
+
+void Rotation::endForWhoHasLeft()
+{
     if (!_pending || _applications.inFront() == _pending->application) {
         return;
     }
@@ -188,6 +214,20 @@ void Rotation::settle()
                   ended.id + " ends: it is in front no more, the screen is at " + degrees(_screen.angle));
     if (ended.isTurning) {
         _delivery.deliverWhatFits({{ended.application, orientationDoneEvent(ended.angle)}});
+    }
+}
+
+void Rotation::tellState(const Application &application, ChannelId channel)
+{
+    const ToldOrientation &told = application.orientation();
+    if (told.rotation.empty()) {
+        return; // it knows of no other angle than the first
+    }
+    const ScreenSize size = sizeAt(_screen.properties.size, told.angle);
+    _delivery.tell(channel, application, orientationSizeEvent(told.rotation, size));
+    _delivery.tell(channel, application, orientationEvent(told.rotation, told.angle));
+    if (!isAwaited(application, told.rotation, true)) {
+        _delivery.tell(channel, application, orientationDoneEvent(told.angle));
     }
 }
 

@@ -3,7 +3,10 @@
 // follow, told its next size and angle, and given time to lay itself out anew. An application that asks for the
 // rotation itself is not asked back.
 //
-// The screen has turned once the application has accepted; what ends a rotation later does not turn it back.
+// The screen has turned once the application has accepted; what ends a rotation later does not turn it back. Who comes
+// to the front of a screen that has been turned meanwhile is told, under an id of its own and without being asked; who
+// has locked the orientation keeps its angle, and the screen turns to that. One that takes no events is neither asked
+// nor waited for.
 #pragma once
 
 #include "Applications.h"
@@ -38,8 +41,12 @@ public:
     void checkReached(const Application &application);
     void turnReached(Application &application);
 
-    // Ends the rotation of an application that has left the screen, or begun to exit.
+    // After anything that may have changed who is in front: ends the rotation of an application that has left the
+    // screen, or begun to exit, and brings screen and application in front to the same angle.
     void settle();
+
+    // Tells one channel the size and the angle that the application has been told last, if it has been told any.
+    void tellState(const Application &application, ChannelId channel);
 
     // Ends the rotation of a process that is no more there.
     void forget(const Application &application);
@@ -58,6 +65,8 @@ private:
     std::optional<Outcome> refusal() const;
     std::string nextId() const;
     Outcome ask(Application &application, int angle);
+    Outcome begin(Application &application, int angle); // without asking; the result's text is the new id
+    void endForWhoHasLeft();
     Outcome turn(Application &application, const std::string &id, int angle);
     void await(const Pending &pending, Duration time);
     Pending take(); // it is over

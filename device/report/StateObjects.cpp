@@ -10,6 +10,8 @@
 #include <pps/pps.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <system_error>
 
 namespace kelp::device {
 
@@ -18,7 +20,8 @@ namespace {
 constexpr char APPLICATIONS[] = "/services/navigator/";
 constexpr char PROPERTIES[] = "/services/deviceproperties";
 constexpr char REQUESTS[] = "/services/navigator-requests";
-constexpr Credentials DEVICE{}; // root's
+constexpr Credentials DEVICE{0, 0, true}; // shown as root's
+constexpr mode_t READ_ONLY = 0444;
 
 // A text under way. What cannot be encoded, such as a title that is no UTF-8, is left out.
 class Text
@@ -61,7 +64,7 @@ private:
     pps_encoder_t _encoder;
 };
 
-// Stands also where there is none, as the rotation does.
+// Stands also where there is none: an attribute that a text leaves out keeps its value.
 void addLabel(Text &text, const char *name, const std::string &label)
 {
     if (label.empty()) {
@@ -71,17 +74,15 @@ void addLabel(Text &text, const char *name, const std::string &label)
     }
 }
 
-// Stands also where there is none: an attribute that a text leaves out keeps its value.
 void addRotation(Text &text, const std::optional<RotationState> &rotation)
 {
-    if (!rotation) {
-        return text.addNull("rotation");
+    text.add("rotation", std::string(rotation ? rotationPhaseName(rotation->isTurning) : "none"));
+    addLabel(text, "rotationId", rotation ? rotation->id : std::string());
+    if (rotation) {
+        text.add("rotationAngle", rotation->angle);
+    } else {
+        text.addNull("rotationAngle");
     }
-    text.addObject("rotation", [&] {
-        text.add("id", rotation->id);
-        text.add("angle", rotation->angle);
-        text.add("phase", std::string(rotationPhaseName(rotation->isTurning)));
-    });
 }
 
 std::string textOf(const ApplicationState &application)
@@ -114,7 +115,19 @@ std::string textOf(const ApplicationState &application)
     return text.take();
 }
 
+std::string failure(const std::string &path, int error)
+{
+    return path + " is not published: " + std::generic_category().message(error);
+}
+
 } // namespace
+
+StateObjects::StateObjects(Store &store, Note note) : _store(store), _note(std::move(note))
+{
+    if (const int error = _store.reserveDirectory(APPLICATIONS)) {
+        _note(failure(APPLICATIONS, error));
+    }
+}
 
 void StateObjects::publish(const Screen &screen, std::optional<int> memorySeverity)
 {
@@ -125,7 +138,7 @@ void StateObjects::publish(const Screen &screen, std::optional<int> memorySeveri
     if (memorySeverity) {
         text.add("memoryPressure", *memorySeverity);
     }
-    (void)write(PROPERTIES, _properties, text.take()); // the first object of all: there is room
+    write(PROPERTIES, _properties, text.take());
 }
 
 void StateObjects::publish(const RequestCounts &counts)
@@ -143,48 +156,62 @@ void StateObjects::publish(const RequestCounts &counts)
             text.add("refused", static_cast<int>(count.refused));
         });
     }
-    (void)write(REQUESTS, _requests, text.take()); // the second object of all: there is room
+    write(REQUESTS, _requests, text.take());
 }
 
 void StateObjects::publish(const std::vector<ApplicationState> &applications)
 {
     for (const ApplicationState &application : applications) {
-        if (!write(APPLICATIONS + application.id, _applications[application.id], textOf(application))) {
-            _applications.erase(application.id);
-        }
+        write(APPLICATIONS + application.id, _applications[application.id], textOf(application));
     }
     std::erase_if(_applications, [&](auto &entry) {
         const bool isThere = std::any_of(applications.begin(), applications.end(),
                                          [&](const auto &one) { return one.id == entry.first; });
-        if (!isThere) {
-            (void)_store.unlink(APPLICATIONS + entry.first, DEVICE); // somebody else may have done so
+        if (!isThere && entry.second.descriptor) {
+            (void)_store.unlink(APPLICATIONS + entry.first, DEVICE); // nobody else could have done so
             _store.close(entry.second.descriptor);
         }
         return !isThere;
     });
 }
 
-// False where the store does not take it. An object that somebody has deleted is made anew.
-bool StateObjects::write(const std::string &path, Object &object, std::string text)
+// What fails is noted once, until it succeeds or fails in another way.
+void StateObjects::write(const std::string &path, Object &object, std::string text)
 {
-    if (object.text == text) {
-        return true;
+    if (object.text == text && !object.error) {
+        return;
     }
-    for (int attempt = 0; attempt < 2; ++attempt) {
-        Store::OpenFlags flags;
-        flags.publish = flags.create = flags.truncate = true;
-        flags.mode = 0644;
-        if (!object.descriptor && _store.open(path, flags, DEVICE, object.descriptor) != 0) {
-            return false;
-        }
-        if (_store.write(object.descriptor, text) == 0) {
-            object.text = std::move(text);
-            return true;
-        }
-        _store.close(object.descriptor);
-        object.descriptor = 0;
+    const int error = put(path, object, text);
+    if (error && error != object.error) {
+        _note(failure(path, error));
     }
-    return false;
+    object.error = error;
+    object.text = std::move(text);
+}
+
+int StateObjects::put(const std::string &path, Object &object, const std::string &text)
+{
+    if (path.find('?') != std::string::npos) {
+        return EINVAL; // options would stand behind it, and another application's object before it
+    }
+    if (const int error = object.descriptor ? 0 : openEmpty(path, object)) {
+        return error;
+    }
+    const int error = _store.write(object.descriptor, text);
+    if (error) {
+        (void)openEmpty(path, object); // it opened before; what it said is no longer so
+    }
+    return error;
+}
+
+int StateObjects::openEmpty(const std::string &path, Object &object)
+{
+    _store.close(object.descriptor);
+    object.descriptor = 0;
+    Store::OpenFlags flags;
+    flags.publish = flags.create = flags.truncate = true;
+    flags.mode = READ_ONLY;
+    return _store.open(path, flags, DEVICE, object.descriptor);
 }
 
 } // namespace kelp::device

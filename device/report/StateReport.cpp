@@ -110,6 +110,7 @@ std::string deviceReport(const DeviceState &device)
                  {"clock", {{"speed", device.clock.speed()}, {"frozen", device.clock.isFrozen()}}},
                  {"screen", screenJson(device.screen)},
                  {"memoryPressure", device.memorySeverity ? Json(*device.memorySeverity) : Json(nullptr)},
+                 {"launches", device.launches},
                  {"applications", device.applications}});
 }
 

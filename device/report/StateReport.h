@@ -18,6 +18,7 @@ struct DeviceState {
     std::size_t applications = 0;
     Screen screen = {};
     std::optional<int> memorySeverity = {}; // enum navigator_severity; nothing: it does not follow that
+    std::size_t launches = 0;               // of applications, since the device started
 };
 
 // The device's line: {"type":"device", ...}.

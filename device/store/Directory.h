@@ -36,8 +36,11 @@ public:
     Directory &addDirectory(std::string_view name, const Permissions &permissions);
     void addObject(std::shared_ptr<Object> object);
     void remove(std::string_view name);
-    // Nothing is left that needs it. The root is always needed.
-    bool isIdle() const { return _parent != nullptr && _nodes.empty() && _watchers.empty(); }
+    // Nothing is left that needs it. The root is always needed, and so is what is reserved.
+    bool isIdle() const
+    {
+        return _parent != nullptr && !_permissions.isReserved && _nodes.empty() && _watchers.empty();
+    }
 
     // Those that read its ".all".
     const std::vector<AllReader *> &watchers() const { return _watchers; }

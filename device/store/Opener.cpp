@@ -49,7 +49,10 @@ int Opener::prepare(Tree::Place &place, const Store::OpenFlags &flags, const Cre
 {
     const int error = _publisher.tree().find(_path, place);
     if (error == ENOENT && flags.create) {
-        const Permissions permissions = {flags.mode & 0777, who.uid, who.gid};
+        if (!place.directory->permissions().allow(who, W_OK)) {
+            return EACCES;
+        }
+        const Permissions permissions = {flags.mode & 0777, who.uid, who.gid, who.isDevice};
         return _publisher.create(_path, place, permissions, _path.options().nopersist);
     }
     if (error != 0) {

@@ -23,6 +23,11 @@ public:
 
     // As Tree::create().
     int create(const ObjectPath &path, Tree::Place &place, const Permissions &permissions, bool nopersist);
+    // As Tree::createDirectory().
+    void createDirectory(const ObjectPath &path, Tree::Place &place, const Permissions &permissions)
+    {
+        _tree.createDirectory(path, place, permissions); // nobody watches directories
+    }
     // Returns 0, or EINVAL, EMSGSIZE.
     int write(Object &object, const Change &change, bool nopersist);
     void truncate(Object &object);

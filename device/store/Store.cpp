@@ -15,6 +15,7 @@ namespace kelp::device {
 namespace {
 
 constexpr mode_t ALL_MODE = 0444;
+constexpr mode_t RESERVED_DIRECTORY_MODE = 0555;
 
 Store::Status statusOf(const Object &object)
 {
@@ -125,6 +126,21 @@ int Store::unlink(std::string_view path, const Credentials &who)
     return 0;
 }
 
+int Store::reserveDirectory(std::string_view text)
+{
+    ObjectPath path;
+    if (const int error = path.parse(text); error != 0 || path.holdsAll()) {
+        return error != 0 ? error : EINVAL;
+    }
+    Tree::Place place;
+    const int error = d->publisher.tree().find(path, place);
+    if (error != ENOENT) {
+        return error == 0 ? EEXIST : error;
+    }
+    d->publisher.createDirectory(path, place, {RESERVED_DIRECTORY_MODE, 0, 0, true});
+    return 0;
+}
+
 int Store::status(std::string_view path, Status &status) const
 {
     Tree::Place place;
@@ -148,9 +164,9 @@ int Store::access(std::string_view path, int mode, const Credentials &who) const
     if (place.isAll) {
         return (mode & (W_OK | X_OK)) != 0 ? EACCES : 0;
     }
-    const bool isAllowed =
-        !place.object || place.object->permissions().allow(who, mode); // directories are open
-    return isAllowed ? 0 : EACCES;
+    const Permissions &permissions =
+        place.object ? place.object->permissions() : place.directory->permissions();
+    return permissions.allow(who, mode) ? 0 : EACCES;
 }
 
 int Store::list(std::string_view path, std::vector<Entry> &entries) const

@@ -7,6 +7,10 @@
 // render() gives the text of everything since the last commit(), and commit() says that what was rendered last has been
 // read. Changes in between add up: a slow subscriber costs no more than the object.
 //
+// What the device itself makes is reserved: everybody may subscribe to it, but only the device may publish, empty, serve or
+// delete it, and make anything in a reserved directory. Mode bits could not say so, as clients run as the device's own
+// user or as the superuser.
+//
 //     for (const DescriptorId due : store.takeDue()) {
 //         const Store::Rendered news = store.render(due);
 //         ...                       // hand news.text to the reader; once it is read:
@@ -30,7 +34,7 @@ using DescriptorId = std::uint32_t; // an open descriptor; from 1, never used tw
 // What objects may take up. Past a bound the caller gets an errno.
 struct StoreLimits {
     std::size_t objectBytes = 65536;   // of one object's text, and of one write (EMSGSIZE)
-    std::size_t objects = 131072;      // objects and directories (ENOSPC)
+    std::size_t objects = 131072;      // objects and directories (ENOSPC); what is reserved has room beyond
     std::size_t queuedMessages = 64;   // that wait for one server, or for one client of it (EAGAIN)
     std::size_t queuedBytes = 1048576; // of those; a single message always has room (EAGAIN)
     std::size_t rememberedNames =
@@ -41,6 +45,8 @@ struct StoreLimits {
 struct Credentials {
     uid_t uid = 0;
     gid_t gid = 0;
+    bool isDevice =
+        false; // the device itself: what it makes is reserved. No client ever is, whatever its uid
 };
 
 class Store
@@ -88,9 +94,14 @@ public:
 
     int unlink(std::string_view path, const Credentials &who);
 
+    // Makes a reserved directory, which stays when it is empty, and those above it, which are ordinary ones. Returns 0, or
+    // EEXIST, ENOTDIR, or as open() what is wrong with the path.
+    int reserveDirectory(std::string_view path);
+
     // What is at a path. Returns 0, or ENOENT, ENOTDIR.
     int status(std::string_view path, Status &status) const;
-    // Whether the mode bits let someone read (R_OK) and write (W_OK) what is at a path. Returns 0, or an errno.
+    // Whether the mode bits, and the device's reservation, let someone read (R_OK) and write (W_OK) what is at a path; a
+    // directory is written by making something in it. Returns 0, or an errno.
     int access(std::string_view path, int mode, const Credentials &who) const;
     // The entries of a directory in the order of their names. Returns 0, or ENOENT, ENOTDIR.
     int list(std::string_view path, std::vector<Entry> &entries) const;

@@ -42,7 +42,7 @@ int Tree::find(const ObjectPath &path, Place &place) const
     return 0;
 }
 
-int Tree::check(const ObjectPath &path, const Place &place) const
+int Tree::check(const ObjectPath &path, const Place &place, const Permissions &permissions) const
 {
     if (path.holdsAll()) {
         return ENOENT;
@@ -50,26 +50,41 @@ int Tree::check(const ObjectPath &path, const Place &place) const
     if (path.namesDirectory()) {
         return EISDIR;
     }
-    return path.parts().size() - place.depth > _mostNodes - _nodes ? ENOSPC : 0;
+    const bool hasRoom = _nodes + path.parts().size() - place.depth <= _mostNodes;
+    return hasRoom || permissions.isReserved ? 0 : ENOSPC;
 }
 
-int Tree::create(const ObjectPath &path, Place &place, const Permissions &permissions, bool nopersist,
-                 Revision now)
+// All but the last part.
+void Tree::addDirectories(const ObjectPath &path, Place &place, const Permissions &permissions)
 {
-    if (const int error = check(path, place); error != 0) {
-        return error;
-    }
     const Permissions open = {DIRECTORY_MODE, permissions.uid, permissions.gid};
     for (; place.depth + 1 < path.parts().size(); ++place.depth) {
         place.directory = &place.directory->addDirectory(path.parts()[place.depth], open);
         ++_nodes;
     }
+}
+
+int Tree::create(const ObjectPath &path, Place &place, const Permissions &permissions, bool nopersist,
+                 Revision now)
+{
+    if (const int error = check(path, place, permissions); error != 0) {
+        return error;
+    }
+    addDirectories(path, place, permissions);
     std::string full = place.directory->prefix() + std::string(path.parts().back());
     place.object = std::make_shared<Object>(*place.directory, std::move(full), permissions, nopersist, now);
     place.directory->addObject(place.object);
     ++place.depth;
     ++_nodes;
     return 0;
+}
+
+void Tree::createDirectory(const ObjectPath &path, Place &place, const Permissions &permissions)
+{
+    addDirectories(path, place, permissions);
+    place.directory = &place.directory->addDirectory(path.parts().back(), permissions);
+    ++place.depth;
+    ++_nodes;
 }
 
 void Tree::remove(const Object &object)

@@ -26,17 +26,21 @@ public:
     int find(const ObjectPath &path, Place &place) const;
 
     // Makes the object, and its directories, at a path that find() has just found missing. Returns 0 and sets
-    // place.object, or ENOSPC, ENOENT (".all" below a directory that there is not), EISDIR (a slash at its
-    // end).
+    // place.object, or ENOSPC (never for what is reserved), ENOENT (".all" below a directory that there is not),
+    // EISDIR (a slash at its end).
     int create(const ObjectPath &path, Place &place, const Permissions &permissions, bool nopersist,
                Revision now);
+
+    // Makes a directory, and those above it, at a path that find() has just found missing; for what is reserved.
+    void createDirectory(const ObjectPath &path, Place &place, const Permissions &permissions);
 
     void remove(const Object &object);
     // The directory goes if nothing needs it any more, and so do those above it.
     void prune(Directory &directory);
 
 private:
-    int check(const ObjectPath &path, const Place &place) const;
+    int check(const ObjectPath &path, const Place &place, const Permissions &permissions) const;
+    void addDirectories(const ObjectPath &path, Place &place, const Permissions &permissions);
 
     const std::size_t _mostNodes;
     std::size_t _nodes = 0;

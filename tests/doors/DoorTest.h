@@ -20,10 +20,11 @@ class DoorTest : public testing::Test
 protected:
     ~DoorTest() override { stopDevice(); }
 
-    void startDevice(device::DoorLimits limits = {})
+    void startDevice(device::DoorLimits limits = {}, device::StoreLimits storeLimits = {})
     {
         device::DeviceOptions options;
         options.limits = limits;
+        options.storeLimits = storeLimits;
         options.trace = [this](const device::TraceEntry &entry) {
             const std::lock_guard lock(_mutex);
             _trace.push_back(entry.text);

@@ -156,4 +156,23 @@ TEST_F(DoorChannels, EachOfTwoApplicationsGetsItsOwnEventsAndAnswers)
     EXPECT_EQ(awaitEvent(firstEvents.get(), NAVIGATOR_LOW_MEMORY).severity, NAVIGATOR_MEMORY_CRITICAL);
 }
 
+TEST_F(DoorChannels, WhoHasClosedItsChannelIsNotAskedAndFollowsWhenItOpensAnother)
+{
+    startDevice();
+    DoorClient client = application();
+    link::UniqueFd channel = client.openEvents();
+    awaitEvent(channel.get(), NAVIGATOR_WINDOW_ACTIVE);
+    DoorClient person = control();
+
+    channel.reset();
+    const link::Reply reply = person.command("event", {{"name", "rotate"}, {"angle", "90"}});
+
+    EXPECT_NE(reply.text.find("takes no events: the screen is at 90 degrees"), std::string::npos)
+        << reply.text;
+    EXPECT_TRUE(traces("dropped orientation rotation-1 90: it takes no events"));
+    channel = client.openEvents();
+    EXPECT_EQ(awaitEvent(channel.get(), NAVIGATOR_ORIENTATION).angle, 90);
+    awaitEvent(channel.get(), NAVIGATOR_ORIENTATION_DONE);
+}
+
 } // namespace kelp::test

@@ -35,7 +35,9 @@
  *   ECONNRESET  the device that the descriptor belongs to has gone,
  *   ETIMEDOUT   the device did not answer within ten seconds; whether it did what it was asked is not known, and the
  *               connection is given up: every descriptor that the process had open then fails with ECONNRESET,
- *   EACCES      the device belongs to another user, or the object's permissions do not allow it,
+ *   EACCES      the device belongs to another user, or the object's permissions do not allow it; or it is one that the
+ *               device itself publishes, or in a directory of those ("/pps/services/navigator"): these can be
+ *               subscribed to, but nobody else may publish, make, empty, serve or delete them, not even the superuser,
  *   EPROTO      the device speaks another version of the protocol,
  *   EMFILE, ENFILE, ENOMEM  no descriptor or memory is left, here or in the device.
  */

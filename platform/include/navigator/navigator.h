@@ -91,7 +91,8 @@ PLATFORM_EXPORT int navigator_get_domain(void);
 
 /* Asks for the navigator's events on the calling thread's queue, until navigator_stop_events() or the thread's last
  * tarn_shutdown(). The first request of a process makes it an application: its launch events follow at once.
- * Repeating the call changes nothing: no event comes twice.
+ * Repeating the call changes nothing: no event comes twice. A further thread, or one that asks again after it had
+ * stopped, is told the present state, and, where the application has been told of a rotation, its size and angle.
  * flags: 0 or NAVIGATOR_EVENTS_EXTENDED; EINVAL for other bits, and where the thread has not called
  * tarn_initialize(). When the device goes away the request ends with it: call again once a device runs. */
 PLATFORM_EXPORT int navigator_request_events(int flags);
@@ -183,7 +184,8 @@ PLATFORM_EXPORT int navigator_done_orientation_id(const char *id);
 PLATFORM_EXPORT int navigator_set_orientation(int angle, char **id);
 
 /* Locks the screen's orientation, while the application is in front, against every rotation that it does not ask for
- * itself, or unlocks it. A rotation that is under way goes on. */
+ * itself, or unlocks it. A rotation that is under way goes on. When an application that has locked it comes to the front
+ * again, the screen turns to the angle that the application was last told. */
 PLATFORM_EXPORT int navigator_rotation_lock(bool locked);
 
 /* Asks for NAVIGATOR_SWIPE_START events; navigator_stop_swipe_start() ends that. */

@@ -10,6 +10,7 @@
 
 #include <cerrno>
 #include <map>
+#include <set>
 
 namespace kelp::device {
 
@@ -31,6 +32,7 @@ public:
     {
         lines.push_back("channel " + std::to_string(channel) + ": " + shortText(event));
     }
+    bool takesEvents(ProcessId process) override { return !closed.contains(process); }
     bool hasRoom(ProcessId process, std::size_t events) override
     {
         return !rooms.contains(process) || rooms[process] >= events;
@@ -51,7 +53,8 @@ public:
     Time start{0};
     std::map<pid_t, Label> labels;
     std::map<ProcessId, std::size_t>
-        rooms; // for how many more events; a process that is not here has no bound
+        rooms;                  // for how many more events; a process that is not here has no bound
+    std::set<ProcessId> closed; // without a channel
     Lines lines;
     Lines traces; // "milliseconds pid application|text", the time since start
 

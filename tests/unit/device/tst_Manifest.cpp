@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Manifests, well-formed and not, and what lies where a process's manifest should be.
+#include "device/files/MountType.h"
 #include "device/manifest/ManifestFile.h"
+#include "platform/link/UniqueFd.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +10,12 @@
 #include <fstream>
 #include <utility>
 
+#include <fcntl.h>
+#include <sched.h>
+#include <sys/inotify.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace kelp::device {
@@ -82,6 +89,7 @@ TEST(ManifestFile, whateverLiesThereNobodyWaitsForIt)
     const std::filesystem::path before = std::filesystem::current_path();
     std::filesystem::current_path(folder); // this process's
     const std::string file = "app/META-INF/MANIFEST.MF";
+    const std::string outside = file + ": leads out of the working directory or onto another file system";
     const auto problem = [] {
         const ManifestReading reading = readManifest(::getpid());
         EXPECT_FALSE(reading.manifest);
@@ -90,11 +98,24 @@ TEST(ManifestFile, whateverLiesThereNobodyWaitsForIt)
 
     EXPECT_EQ(problem(), ""); // there is none
     ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    const int writer = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC); // as one, it would hear of an open
+    ASSERT_GE(::inotify_add_watch(writer, file.c_str(), IN_OPEN), 0);
     EXPECT_EQ(problem(), file + ": is no regular file");
+    char heard[256];
+    EXPECT_EQ(::read(writer, heard, sizeof heard), -1) << "it has been opened";
+    ::close(writer);
     std::filesystem::remove(file);
-    std::filesystem::create_symlink("/dev/zero", file);
-    EXPECT_EQ(problem(), file + ": is no regular file");
-    std::filesystem::remove(file);
+    const std::pair<std::string, std::string> links[] = {
+        {"/dev/zero", outside},
+        {"MANIFEST.MF", file + ": cannot be opened: Too many levels of symbolic links"},
+        {"..", file + ": is no regular file"},
+        {"missing", ""},
+    };
+    for (const auto &[target, expected] : links) {
+        std::filesystem::create_symlink(target, file);
+        EXPECT_EQ(problem(), expected) << target;
+        std::filesystem::remove(file);
+    }
     std::ofstream(file) << ARCHIVE;
     EXPECT_EQ(problem(), file + ": line 2: the Package section has no attribute");
     const std::string whole = ARCHIVE + "Package-Name: ";
@@ -102,10 +123,55 @@ TEST(ManifestFile, whateverLiesThereNobodyWaitsForIt)
     EXPECT_TRUE(readManifest(::getpid()).manifest);
     std::ofstream(file, std::ios::app) << 'x';
     EXPECT_EQ(problem(), file + ": has more than 1048576 bytes");
+    if (::geteuid() != 0) { // whom no mode keeps out
+        ASSERT_EQ(::chmod(file.c_str(), 0), 0);
+        EXPECT_EQ(problem(), file + ": cannot be opened: Permission denied");
+    }
     EXPECT_FALSE(readManifest(0).manifest);
 
     std::filesystem::current_path(before);
     std::filesystem::remove_all(folder);
+}
+
+// Mounts a file system whose server never answers at "app" in the working directory, in name spaces of its own.
+bool mountTheSilent()
+{
+    const std::string uid = "0 " + std::to_string(::geteuid()) + " 1";
+    const std::string gid = "0 " + std::to_string(::getegid()) + " 1";
+    if (::unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) {
+        return false;
+    }
+    std::ofstream("/proc/self/setgroups") << "deny";
+    std::ofstream("/proc/self/uid_map") << uid;
+    std::ofstream("/proc/self/gid_map") << gid;
+    const int server = ::open("/dev/fuse", O_RDWR); // left open: without it, everybody gets an error
+    const std::string options = "fd=" + std::to_string(server) + ",rootmode=40000,user_id=0,group_id=0";
+    return server >= 0 && ::mount("none", "/tmp", "tmpfs", 0, nullptr) == 0 && ::chdir("/tmp") == 0 &&
+           ::mkdir("app", 0700) == 0 && ::mount("silent", "app", "fuse", 0, options.c_str()) == 0;
+}
+
+TEST(ManifestFile, aFileSystemThatDoesNotAnswerHoldsUpNobody)
+{
+    constexpr int CANNOT_MOUNT = 77;
+    const pid_t child = ::fork();
+    if (child == 0) {
+        (void)::alarm(20); // where it hangs
+        ::_exit(!mountTheSilent() ? CANNOT_MOUNT : readManifest(::getpid()).problem.empty());
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    if (status == W_EXITCODE(CANNOT_MOUNT, 0)) {
+        GTEST_SKIP() << "this user cannot mount FUSE";
+    }
+    EXPECT_EQ(status, 0);
+}
+
+TEST(MountType, isReadWithoutAskingTheFileSystem)
+{
+    const link::UniqueFd processes(::open("/proc", O_PATH | O_CLOEXEC));
+    EXPECT_EQ(mountType(processes.get(), ::getpid()), "proc");
+    EXPECT_TRUE(mayNotAnswer("fuse.sshfs") && mayNotAnswer("nfs4"));
+    EXPECT_FALSE(mayNotAnswer("fuseblk") || mayNotAnswer("overlay"));
 }
 
 } // namespace kelp::device

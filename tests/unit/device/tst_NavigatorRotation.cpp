@@ -41,6 +41,10 @@ protected:
             last = navigator.request(speaker, found->second);
             return last.error;
         }
+        if (verb == "launch") {
+            navigator.openedEvents(navigator.connected(300, value), 1);
+            return 0;
+        }
         if (verb == "pass") {
             step(std::chrono::milliseconds(std::atoi(value.c_str())));
             return 0;
@@ -49,11 +53,24 @@ protected:
         return event(verb, {{argument, value}});
     }
 
+    // Without what is told of windows.
+    Lines sentAboutRotation()
+    {
+        Lines lines = sent();
+        std::erase_if(lines, [](const std::string &line) {
+            const auto has = [&line](const char *word) {
+                return line.find(word) != std::string::npos;
+            };
+            return has(": app") || has(": window") || has("active ");
+        });
+        return lines;
+    }
+
     void play(const std::vector<Act> &acts)
     {
         for (const Act &act : acts) {
             EXPECT_EQ(take(act.what), act.error) << act.what << ": " << last.text;
-            EXPECT_EQ(sent(), act.lines) << act.what;
+            EXPECT_EQ(sentAboutRotation(), act.lines) << act.what;
         }
     }
 
@@ -159,12 +176,16 @@ TEST_F(NavigatorRotation, applicationThatLeavesInTheMiddleEndsIt)
             sent();
             how == "gone" ? navigator.disconnected(speaker)
                           : (void)take(how + (how == "fullscreen" ? " b" : " a"));
+            EXPECT_EQ(state(0).rotation.has_value(), accepts && how == "fullscreen"); // b follows the screen
             const Lines lines = sent();
             const std::string done = std::to_string(speaker) + ": done " + std::to_string(wanted);
             EXPECT_EQ(std::count(lines.begin(), lines.end(), done), accepts && how != "gone") << how;
             navigator.disconnected(speaker);
+            step(5s);
             expectOver(accepts ? wanted : before);
             speaker = launch("a");
+            step(5s); // it may have to follow
+            sent();
         }
     }
     take("rotate 90");
@@ -190,6 +211,62 @@ TEST_F(NavigatorRotation, stepsWithoutRoomChangeNothing)
     EXPECT_TRUE(state(1).rotation);
     step(5s); // ends it, whoever reads
     expectOver(90);
+    sent();
+
+    port.rooms = {{1, 4}}; // three for its window
+    play({{"fullscreen b"}, {"pass 1"}});
+    port.rooms = {{1, 2}};
+    play({{"pass 1", 0, {"1: size rotation-2 1280 768", "1: turn rotation-2 90"}}});
+}
+
+TEST_F(NavigatorRotation, whoComesToTheFrontAndTheScreenAgreeOnTheAngle)
+{
+    play({{"ask 90", 0, {"2: size rotation-1 1280 768", "2: turn rotation-1 90"}},
+          {"fullscreen b", 0, {"2: done 90", "1: size rotation-2 1280 768", "1: turn rotation-2 90"}},
+          {"rotate 180", EBUSY},
+          {"pass 5000", 0, {"1: done 90"}},
+          {"fullscreen a"}, // knows it
+          {"launch c", 0, {"3: size rotation-3 1280 768", "3: turn rotation-3 90"}},
+          {"fullscreen a", 0, {"3: done 90"}},
+          {"lock 1"},
+          {"invisible a"},
+          {"rotate 0"}, // nobody is in front to be asked
+          {"fullscreen a"}});
+    expectOver(90);
+    EXPECT_EQ(port.traces.at(port.traces.size() - 2),
+              "5000 102 a|has locked the orientation: the screen turns to 90 degrees");
+
+    play({{"lock 0"},
+          {"invisible a"},
+          {"rotate 0"},
+          {"fullscreen a", 0, {"2: size rotation-4 768 1280", "2: turn rotation-4 0"}}});
+    navigator.disconnected(2);
+    expectOver(0);
+    play({{"launch d"}}); // begins with that
+}
+
+TEST_F(NavigatorRotation, whoTakesNoEventsIsNotAskedAndLearnsTheAngleOnItsNextChannel)
+{
+    port.closed = {2};
+    play({{"rotate 90"}});
+    EXPECT_TRUE(lastSays("a takes no events: the screen is at 90 degrees"));
+    EXPECT_EQ(port.traces.at(port.traces.size() - 2),
+              "0 102 a|dropped orientation rotation-1 90: it takes no events");
+    expectOver(90);
+
+    port.closed = {};
+    navigator.openedEvents(2, 7);
+    EXPECT_EQ(sentAboutRotation(), (Lines{"channel 7: size rotation-1 1280 768",
+                                          "channel 7: turn rotation-1 90", "channel 7: done 90"}));
+    take("rotate 0");
+    port.closed = {2};
+    EXPECT_EQ(take("accept rotation-2"), 0);
+    expectOver(0);
+
+    port.closed = {};
+    take("ask 180");
+    navigator.openedEvents(2, 8);
+    EXPECT_EQ(sent().back(), "channel 8: turn rotation-3 180"); // is not done yet
 }
 
 } // namespace kelp::device

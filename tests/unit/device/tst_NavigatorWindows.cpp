@@ -56,6 +56,8 @@ TEST_F(NavigatorWindows, namesBecomeIdsThatAreFitAndUnique)
 
     navigator.disconnected(2);
     launch("lifecycle");
+    navigator.connected(200, "no application");
+    EXPECT_EQ(navigator.launches(), std::size(cases) + 1); // whoever has gone
 
     EXPECT_EQ(navigator.applications().back().id, "lifecycle-2");
 }

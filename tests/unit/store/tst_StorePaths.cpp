@@ -95,6 +95,34 @@ TEST(StorePaths, theModeBitsDecideWhoMayReadWriteAndDelete)
     EXPECT_EQ(client.store.unlink("/o", owner), 0);
 }
 
+TEST(StorePaths, whatIsReservedOnlyTheDeviceWrites)
+{
+    StoreClient client({.objects = 2});
+    ASSERT_EQ(client.store.reserveDirectory("/d/own/"), 0);
+    client.store.close(client.open("/d/own/.all", "r"));
+    EXPECT_EQ(client.store.reserveDirectory("/d/own"), EEXIST); // it stays, though empty
+    DescriptorId made = 0;
+    ASSERT_EQ(client.store.open("/d/own/o", flagsOf("wc"), {0, 0, true}, made), 0); // beyond the limit
+    const Credentials superuser = {0, 0};
+    const struct {
+        int error;
+        std::string_view letters, path;
+    } rows[] = {
+        {EACCES, "w", "/d/own/o"},          {EACCES, "rt", "/d/own/o"}, {EACCES, "rw", "/d/own/o?server"},
+        {EACCES, "rc", "/d/own/new/below"}, {EISDIR, "wc", "/d/own"},   {0, "r", "/d/own/o?delta"},
+        {ENOSPC, "wc", "/d/new"},
+    };
+    for (const auto &row : rows) {
+        EXPECT_EQ(client.tryOpen(row.path, row.letters, superuser), row.error) << row.path << row.letters;
+    }
+    EXPECT_EQ(client.store.unlink("/d/own/o", superuser), EACCES);
+    EXPECT_EQ(client.store.access("/d/own/o", W_OK, superuser), EACCES);
+    EXPECT_EQ(client.store.access("/d/own", W_OK, superuser), EACCES);
+    EXPECT_EQ(client.store.access("/d", W_OK, superuser) + client.store.access("/d/own/o", R_OK, superuser),
+              0);
+    EXPECT_EQ(client.store.unlink("/d/own/o", {0, 0, true}), 0);
+}
+
 TEST(StorePaths, statusAndListTellWhatIsThere)
 {
     StoreClient client;
