@@ -35,6 +35,7 @@ TEST_F(Drive, EventsReachTheApplicationAndTheStateShowsThem)
     const Result refused = Command::run(kelpDevice({"event", "confirm", "--device", device}));
     EXPECT_EQ(refused.exitCode, 1);
     EXPECT_NE(refused.errors, "");
+    EXPECT_EQ(Command::run(kelpDevice({"event", "rotate", "45", "--device", device})).exitCode, 2);
     held({"fail", "set-badge", "EIO", "--times", "3", "--device", device});
 
     held({"event", "close", "--device", device});

@@ -3,14 +3,20 @@
 
 #include "Journey.h"
 
+#include <devicefs/devicefs.h>
+
 #include <csignal>
 #include <fstream>
+#include <thread>
+
+#include <fcntl.h>
 
 namespace kelp::test {
 
 namespace {
 
 const std::vector<std::string> OBEYING = {CLIENT_PROGRAM, "obey"}; // exits with code 5
+const std::string OBEY = std::string("'") + CLIENT_PROGRAM + "' obey";
 
 std::vector<std::string> shell(const std::string &script)
 {
@@ -53,25 +59,42 @@ TEST_F(Scenario, TheExitCodeTellsHowItWent)
          " s  s:5: ends 5\n"},
         {"set /a v=1\nexpect pps /a v=1\nstart\nends 7\n", shell("exit 7"), 0, "s:4: ends 7"},
         {"ends 139", shell("kill -SEGV $$"), 0, "held"},
-        {"set /a v=1\nexpect pps /a v=1", shell("sleep 86400"), 0, "held"}, // no application: ended at once
+        // No application: ended at once.
+        {"set /a v=1\nexpect pps /a v=1", shell("sleep 86400"), 0,
+         "the program never became an application\n"},
         {"wait active=true\nexpect active=false\nsend exit", OBEYING, 1,
          "s:2: expect active=false: active is true\n"},
         {"wait active=true\nsend confirm", OBEYING, 1, "s:2: send confirm: "},
         {"wait active=true", OBEYING, 1, "the application ended with code 5, not 0"},
-        {"wait active=true", shell("exit 3"), 1, "the application ended with code 3, not 0"},
+        {"wait active=true", shell("exit 3"), 1, "code 3, not 0; the program never became an application\n"},
+        // The application came and went; what started it has the last word.
+        {"wait processState=foreground\nsend exit\nwait gone", shell(OBEY + "; exit 3"), 1,
+         "code 3, not 0\n"},
+        {"wait processState=foreground\nsend exit\nwait gone",
+         shell(OBEY + "; sleep 86400"),
+         4,
+         "ended by signal 15\n",
+         {"--grace", "0.05"}},
         {"set /a v=1\nset /a/b v=1", OBEYING, 1, "s:2: set /a/b v=1: a part of /a/b is an object"},
         {"wait active=true\nwait windowState=thumbnail --timeout 0.1", OBEYING, 124,
          "s:2: wait windowState=thumbnail --timeout 0.1: windowState is fullscreen\n"},
+        {"wait active=true\nwait windowState=thumbnail --timeout 0", OBEYING, 124,
+         "windowState is fullscreen\n"},
         {"ends 0 --timeout 0.1", shell("sleep 86400"), 124, "the application has not ended"},
         {"start\njump\nends x", OBEYING, 2, "s:2: there is no step \"jump\""},
         {"wait active=true", shell("kill -SEGV $$"), 4, "the application was ended by signal 11"},
         {"wait active=true", {CLIENT_PROGRAM, "stubborn"}, 4, "ended by signal 9", {"--grace", "0.05"}},
-        {"start", {folder() + "/missing"}, 127, "missing"},
     };
     for (const Row &row : rows) {
         const Result result = run(row.steps, row.application, row.options);
         EXPECT_EQ(result.exitCode, row.exitCode) << row.steps << ": " << result.errors;
         EXPECT_TRUE(says(result, row.sentence)) << row.steps << ": " << result.errors;
+    }
+    for (const char *steps : {"start", "wait active=true"}) {
+        const Result missing = run(steps, {folder() + "/missing"});
+        EXPECT_EQ(missing.exitCode, 127);
+        EXPECT_TRUE(says(missing, "missing"));
+        EXPECT_FALSE(says(missing, "s:1:")) << missing.errors; // no step has anything to do with it
     }
     EXPECT_EQ(Command::run(kelpDevice({"run", "--scenario", folder() + "/nix", "--", "true"})).exitCode, 2);
     EXPECT_EQ(Command::run(kelpDevice({"run", "--json", "--", "true"})).exitCode, 2);
@@ -84,7 +107,7 @@ TEST_F(Scenario, TheReportIsThereForProgramsToo)
     EXPECT_TRUE(says(result, "{\"type\":\"step\",\"file\":\"s\",\"line\":1,\"step\":\"wait active=true\","
                              "\"result\":\"held\",\"seen\":\"\",\"seconds\":"));
     EXPECT_TRUE(says(result, "\"result\":\"failed\",\"seen\":\"active is true\""));
-    EXPECT_TRUE(says(result, "{\"type\":\"end\",\"exitCode\":5,"));
+    EXPECT_TRUE(says(result, "{\"type\":\"end\",\"exitCode\":5,\"launches\":1,"));
 }
 
 class Wait : public Journey
@@ -139,6 +162,36 @@ TEST_F(Wait, TakesInMoreThanOneReadTells)
     held({"pps", "set", "/z", "v=1"});
 
     held({"wait", "pps", "/z", "v=1", "--timeout", "0"});
+}
+
+TEST_F(Wait, GivesUpInTimeThoughThereIsSteadyNews)
+{
+    std::string numbers = "0"; // slow to read; each further write is quick
+    while (numbers.size() < 50'000) {
+        numbers += ",0";
+    }
+    held({"pps", "set", "/a", "numbers=[" + numbers + ']'});
+    ::setenv("KELP_DEVICE", home().c_str(), 1);
+    const int object = devicefs_open("/pps/a", O_WRONLY, 0);
+    ASSERT_GE(object, 0);
+    std::jthread writer([object](const std::stop_token &stop) {
+        for (int round = 0; !stop.stop_requested(); ++round) {
+            const std::string text = "v:n:" + std::to_string(round) + '\n';
+            (void)devicefs_write(object, text.data(), text.size()); // there is another
+        }
+    });
+
+    for (const char *timeout : {"0", "0.1"}) {
+        const Result result = Command::run(kelpDevice({"wait", "pps", "/a", "v=-1", "--timeout", timeout}));
+        EXPECT_EQ(result.exitCode, 124) << result.errors;
+        const Result watch =
+            Command::run(kelpDevice({"pps", "watch", "/a", "--whole", "--json", "--timeout", timeout}));
+        EXPECT_EQ(watch.exitCode, 124) << watch.errors;
+    }
+
+    writer.request_stop();
+    writer.join();
+    EXPECT_EQ(devicefs_close(object), 0);
 }
 
 TEST_F(Wait, SaysWhatThereIsInstead)

@@ -60,11 +60,11 @@ TEST_F(Screen, RotationAndWishesShowInTheStateAndInTheApplicationsObject)
     expectIn(table, "checking 90");
     expectIn(table, "badge splat, swipe start");
     EXPECT_EQ(held({"pps", "get", object, "badge"}), "splat\n");
-    expectIn(held({"pps", "get", object, "rotation"}), "rotation-1");
+    held({"wait", "rotation=checking", "--timeout", "0"});
     EXPECT_EQ(ask(link::RequestCode::OrientationCheckResponse, 1, check.id), 0);
     EXPECT_EQ(ask(link::RequestCode::DoneOrientation, 0, check.id), 0);
     EXPECT_EQ(awaitEvent(events.get(), NAVIGATOR_ORIENTATION_DONE).angle, 90);
-    EXPECT_EQ(held({"pps", "get", object, "rotation"}), "null\n");
+    held({"wait", "rotation=none", "angle=90", "--timeout", "0"});
     EXPECT_EQ(property("angle"), "90\n");
 
     held({"event", "swipe-down"});

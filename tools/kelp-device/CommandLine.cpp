@@ -55,7 +55,8 @@ const Parameter &Parameter::range(int lowest, int highest) const
 
 const Parameter &Parameter::oneValueEach() const
 {
-    _option->expected(1)->allow_extra_args(false);
+    // Not expected(1), which allows one value in the whole list.
+    _option->allow_extra_args(false);
     return *this;
 }
 

@@ -46,6 +46,7 @@ constexpr std::array<std::string_view, 3> PROCESS_STATES = {"foreground", "backg
 constexpr std::array<std::string_view, 3> WINDOW_STATES = {"fullscreen", "thumbnail", "invisible"};
 constexpr std::array<std::string_view, 2> BADGES = {"splat", "none"};
 constexpr std::array<std::string_view, 4> ANGLES = {"0", "90", "180", "270"}; // of the screen
+constexpr std::array<std::string_view, 3> ROTATIONS = {"none", "checking", "turning"};
 constexpr std::array<std::string_view, 2> TRUTHS = {"true", "false"};
 
 struct StateValue {
@@ -62,6 +63,7 @@ constexpr std::array STATE_VALUES = {
     StateValue{"closePromptShown", TRUTHS},
     StateValue{"orientationLocked", TRUTHS},
     StateValue{"swipeStart", TRUTHS},
+    StateValue{"rotation", ROTATIONS},
     StateValue{"angle", ANGLES},
     StateValue{"pid", {}},
     StateValue{"title", {}},
@@ -109,7 +111,8 @@ void checkStateValue(const Condition::Value &value)
 
 const Form &formOf(const Words &words)
 {
-    const std::string first = words.empty() ? "" : words.front();
+    const bool isMissing = words.empty() || words.front().starts_with("--"); // options alone
+    const std::string first = isMissing ? "" : words.front();
     const auto form =
         std::find_if(FORMS.begin() + 1, FORMS.end(), [&](const Form &one) { return one.word == first; });
     if (form != FORMS.end()) {
@@ -122,6 +125,11 @@ const Form &formOf(const Words &words)
     return FORMS.front();
 }
 
+std::string usageOf(const Form &form)
+{
+    return std::string(form.word) + (form.word.empty() ? "" : " ") + std::string(form.usage);
+}
+
 void takeOptions(Words &words, const Form &form, Condition &condition)
 {
     if (form.option == "app") {
@@ -129,7 +137,11 @@ void takeOptions(Words &words, const Form &form, Condition &condition)
     } else if (form.option == "count") {
         condition.count = countOf(takeOption(words, "count").value_or("1"), "count");
     }
-    refuseOptions(words);
+    const auto left = std::find_if(words.begin(), words.end(),
+                                   [](const std::string &word) { return word.starts_with("--"); });
+    if (left != words.end()) {
+        refuse("this condition takes no " + left->substr(0, left->find('=')) + ": it is " + usageOf(form));
+    }
 }
 
 std::string subjectOf(const std::string &word, Kind kind)
@@ -142,11 +154,6 @@ std::string subjectOf(const std::string &word, Kind kind)
                list(device::requests(), [](const auto &one) { return one.name; }));
     }
     return word;
-}
-
-std::string usageOf(const Form &form)
-{
-    return std::string(form.word) + (form.word.empty() ? "" : " ") + std::string(form.usage);
 }
 
 } // namespace

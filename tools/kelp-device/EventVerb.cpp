@@ -4,6 +4,7 @@
 #include "CommandOptions.h"
 #include "DeviceClient.h"
 #include "DeviceLocation.h"
+#include "EventCheck.h"
 #include "Failure.h"
 #include "Verb.h"
 #include "device/catalogue/Catalogue.h"
@@ -42,12 +43,14 @@ int causeEvent(const Command &verb, const EventOptions &options)
     if (!event) {
         throw Failure(EXIT_USAGE, "which event? kelp-device event --help lists them");
     }
-    DeviceClient::Arguments arguments{{"name", event->name()}};
+    DeviceClient::Arguments arguments;
     for (const EventArgument &argument : options.arguments) {
         if (argument.parameter->isGiven()) {
             arguments.emplace_back(argument.spec->name, argument.value);
         }
     }
+    checkEvent(*device::findEvent(event->name()), arguments);
+    arguments.emplace(arguments.begin(), "name", event->name());
     DeviceClient client(deviceDirectory(options.device));
     const std::string text = client.ask("event", std::move(arguments));
     std::cout << text << (text.empty() ? "" : "\n");

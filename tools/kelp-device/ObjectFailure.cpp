@@ -50,7 +50,8 @@ std::string sentence(Operation operation, const std::string &path, int error)
     case EINVAL:
         return invalid(operation, path);
     case EACCES:
-        return "the permissions of " + path + " do not allow it: `kelp-device pps ls -l` shows them";
+        return "the permissions of " + path +
+               " do not allow it, or it is the device's own: `kelp-device pps ls -l` shows them";
     case EMSGSIZE:
         return "nothing was written to " + path +
                ", because it would be larger than the device's largest object: shorten it";

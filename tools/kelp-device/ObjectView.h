@@ -17,9 +17,6 @@ public:
     // The objects with all that was new when it was called.
     const Objects &read();
 
-    // Whether an object has been there since the view was opened, or is, whose path begins so.
-    bool hasSeen(std::string_view beginning) const;
-
     // Waits until there is something new: true, or false when the time is up.
     bool awaitNews(ObjectFile::Moment end) { return _all.awaitNews(end); }
 

@@ -91,7 +91,9 @@ void Watch::run()
 {
     ObjectFile object = open();
     for (unsigned seen = 0; _options.count == 0 || seen < _options.count;) {
-        if (!object.awaitNews(_end)) {
+        // Steady news would be there again however late it is; what is there at first has no such time.
+        const bool isLate = seen > 0 && _end && std::chrono::steady_clock::now() >= *_end;
+        if (isLate || !object.awaitNews(_end)) {
             throw Failure(EXIT_TIME_OUT, _path + " has not changed as often in that time: give it longer");
         }
         const std::string text = object.read();

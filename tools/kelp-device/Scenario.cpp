@@ -5,6 +5,7 @@
 
 #include "AttributeLines.h"
 #include "ErrorNumbers.h"
+#include "EventCheck.h"
 #include "Failure.h"
 #include "PathArgument.h"
 #include "device/catalogue/Catalogue.h"
@@ -76,6 +77,7 @@ What readSend(Words &words, const std::string &usage)
         step.arguments.emplace_back(argumentName, takeArgument(words, usageOf(*event)));
     }
     refuseRest(words, usageOf(*event));
+    checkEvent(*event, {step.arguments.begin() + 1, step.arguments.end()});
     return step;
 }
 
@@ -101,13 +103,14 @@ What readFail(Words &words, const std::string &usage)
 
 What readExpect(Words &words, const std::string &)
 {
-    return ConditionStep{parseCondition({words.begin() + 1, words.end()}), 0};
+    return ConditionStep{parseCondition({words.begin() + 1, words.end()}), 0, false};
 }
 
 What readWait(Words &words, const std::string &)
 {
     const std::string timeout = takeOption(words, "timeout").value_or(DEFAULT_TIMEOUT);
-    return ConditionStep{parseCondition({words.begin() + 1, words.end()}), secondsOf(timeout, "timeout")};
+    return ConditionStep{parseCondition({words.begin() + 1, words.end()}), secondsOf(timeout, "timeout"),
+                         true};
 }
 
 What readSet(Words &words, const std::string &usage)

@@ -29,7 +29,8 @@ struct CommandStep {
 };
 struct ConditionStep {
     Condition condition;
-    double timeoutSeconds = 0; // 0: it has to hold at once
+    double timeoutSeconds = 0;
+    bool isWait = false; // what does not hold in time has timed out; else it has failed
 };
 struct SetStep {
     std::string path; // below "/pps"

@@ -51,13 +51,18 @@ void ScenarioReport::step(const Scenario &scenario, const Step &step, const Step
     print(line.str());
 }
 
-void ScenarioReport::end(int exitCode, const std::string &complaint) const
+void ScenarioReport::end(int exitCode, std::size_t launches, const std::string &complaint) const
 {
     if (_json) {
-        return print(Json{{"type", "end"}, {"exitCode", exitCode}, {"complaint", complaint}});
+        return print(
+            Json{{"type", "end"}, {"exitCode", exitCode}, {"launches", launches}, {"complaint", complaint}});
     }
-    if (!complaint.empty()) {
-        print("kelp-device: " + complaint);
+    std::string sentence = complaint;
+    if (launches == 0) {
+        sentence += (sentence.empty() ? "" : "; ") + std::string("the program never became an application");
+    }
+    if (!sentence.empty()) {
+        print("kelp-device: " + sentence);
     }
 }
 

@@ -20,8 +20,9 @@ public:
 
     void step(const Scenario &scenario, const Step &step, const StepResult &result) const;
 
-    // How the application ended, with what is wrong about it or nothing.
-    void end(int exitCode, const std::string &complaint) const;
+    // How the application ended, with what is wrong about it or nothing. launches: how many applications there were;
+    // with 0 the program never became one.
+    void end(int exitCode, std::size_t launches, const std::string &complaint) const;
 
 private:
     bool _json;

@@ -4,8 +4,10 @@
 #include "ScenarioRunner.h"
 
 #include "Failure.h"
+#include "ObjectView.h"
+#include "Report.h"
 
-#include <algorithm>
+#include <nlohmann/json.hpp>
 
 #include <fcntl.h>
 
@@ -14,8 +16,6 @@ namespace kelp::tool {
 namespace {
 
 using Kind = StepResult::Kind;
-
-constexpr std::string_view APPLICATIONS = "/services/navigator/";
 
 std::chrono::milliseconds wholeMilliseconds(double seconds)
 {
@@ -30,8 +30,7 @@ ScenarioRunner::ScenarioRunner(const std::string &directory, device::Duration gr
       _scenario(scenario),
       _report(report),
       _start(std::move(start)),
-      _client(directory),
-      _services("/services")
+      _client(directory)
 {}
 
 int ScenarioRunner::run()
@@ -91,7 +90,7 @@ StepResult ScenarioRunner::perform(const ConditionStep &step)
     if (verdict.holds) {
         return {};
     }
-    return {step.timeoutSeconds > 0 ? Kind::TimedOut : Kind::Failed, verdict.seen, 0};
+    return {step.isWait ? Kind::TimedOut : Kind::Failed, verdict.seen, 0};
 }
 
 StepResult ScenarioRunner::perform(const SetStep &step)
@@ -117,28 +116,35 @@ StepResult ScenarioRunner::perform(const EndStep &step)
     return {Kind::TimedOut, "the application has not ended", 0};
 }
 
-// Whether each application has gone or is stopping, so that the device will end without further ado.
+// Whether there were applications and each has gone or is stopping, so that the device will end without further ado.
+// The device counts them: of one that came and went between two looks, its objects tell nothing.
 bool ScenarioRunner::leavesByItself()
 {
-    const Objects &objects = _services.read();
-    return std::all_of(objects.begin(), objects.end(), [](const auto &object) {
-        return !object.first.starts_with(APPLICATIONS) ||
-               object.second.value("processState", "") == "stopping";
+    bool hasLaunched = false;
+    bool isStaying = false;
+    forEachObject(_client.ask("state"), [&](const nlohmann::json &object) {
+        if (object.at("type") == "application") {
+            isStaying = isStaying || object.at("processState") != "stopping";
+        } else {
+            hasLaunched = object.at("launches") != 0;
+        }
     });
+    return hasLaunched && !isStaying;
 }
 
 void ScenarioRunner::endApplication()
 {
     try {
-        const bool isLeaving = leavesByItself();
         // Asked to stop once more, the device would not wait for what is leaving.
-        if (_services.hasSeen(APPLICATIONS) && isLeaving &&
-            _client.endsWithin(std::chrono::ceil<std::chrono::milliseconds>(_grace))) {
+        if (leavesByItself() && _client.endsWithin(std::chrono::ceil<std::chrono::milliseconds>(_grace))) {
             return;
         }
         (void)_client.ask("stop"); // its answer has no text
-        _hasEndedStranger = !_services.hasSeen(APPLICATIONS);
-    } catch (const Failure &) {
+        _hasStopped = true;
+    } catch (const Failure &failure) {
+        if (failure.exitCode() != EXIT_NO_DEVICE) {
+            throw;
+        }
         // The device has gone: so has the application.
     }
 }

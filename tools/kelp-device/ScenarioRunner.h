@@ -4,7 +4,6 @@
 #pragma once
 
 #include "DeviceClient.h"
-#include "ObjectView.h"
 #include "ScenarioReport.h"
 #include "device/clock/Clock.h"
 
@@ -16,16 +15,15 @@ class ScenarioRunner
 {
 public:
     // directory is the device's, grace the time that an application has to exit; start() starts the
-    // application. Throws Failure.
+    // application and ends with an exception where it cannot, which run() lets through. Throws Failure.
     ScenarioRunner(const std::string &directory, device::Duration grace, const Scenario &scenario,
                    const ScenarioReport &report, std::function<void()> start);
 
     // Starts the application, where no step does. Returns how the steps went: EXIT_HELD, EXIT_REFUSED or EXIT_TIME_OUT.
     int run();
 
-    // Whether the application was ended without having been asked to exit, which it could not be: it never was one of
-    // the navigator's.
-    bool hasEndedStranger() const { return _hasEndedStranger; }
+    // Whether it had the device stop, which ends by a signal what never was an application of the navigator.
+    bool hasStopped() const { return _hasStopped; }
 
 private:
     StepResult carryOut(const Step &step);
@@ -43,8 +41,7 @@ private:
     const ScenarioReport &_report;
     std::function<void()> _start;
     DeviceClient _client;
-    ObjectView _services; // from before the first step: no application escapes it
-    bool _hasEndedStranger = false;
+    bool _hasStopped = false;
 };
 
 } // namespace kelp::tool

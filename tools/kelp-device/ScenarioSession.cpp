@@ -11,8 +11,8 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <iostream>
-#include <iterator>
 
 namespace kelp::tool {
 
@@ -63,14 +63,28 @@ ScenarioSession::Hold ScenarioSession::begin(device::Device &device, device::Lau
 void ScenarioSession::release()
 {
     const std::lock_guard lock(_mutex);
+    _launches = _device->navigator().launches();
     _device = nullptr;
 }
 
 void ScenarioSession::start()
 {
+    auto promise = std::make_shared<std::promise<void>>();
+    std::future<void> started = promise->get_future();
+    post([launch = _launch, promise](device::Device &device) {
+        device.launch(launch);
+        promise->set_value();
+    });
+    // The device alone can keep it now; it is broken with what the device does not carry out.
+    promise.reset();
+    started.get();
+}
+
+void ScenarioSession::post(std::function<void(device::Device &)> task)
+{
     const std::lock_guard lock(_mutex);
     if (_device) {
-        _device->loop().post([device = _device, launch = _launch] { device->launch(launch); });
+        _device->loop().post([device = _device, task = std::move(task)] { task(*device); });
     }
 }
 
@@ -89,7 +103,9 @@ void ScenarioSession::drive(const std::string &deviceDirectory, device::Duration
     try {
         ScenarioRunner runner(deviceDirectory, grace, _scenario, _report, [this] { start(); });
         _stepsCode = runner.run();
-        _hasEndedStranger = runner.hasEndedStranger();
+        _hasStopped = runner.hasStopped();
+    } catch (const std::future_error &) {
+        _stepsCode = EXIT_REFUSED; // nothing was started: whoever runs the device says why
     } catch (const std::exception &error) {
         breakOff(error.what());
     }
@@ -99,15 +115,15 @@ int ScenarioSession::finish(int applicationsCode)
 {
     _thread.join();
     if (isCrash(applicationsCode)) {
-        _report.end(applicationsCode,
+        _report.end(applicationsCode, _launches,
                     "the application was ended by signal " + std::to_string(applicationsCode - SIGNALLED));
         return EXIT_CRASHED;
     }
     const bool isExpected = applicationsCode == expectedCode() || isOurSignal(applicationsCode - SIGNALLED);
-    _report.end(applicationsCode, isExpected ? ""
-                                             : "the application ended with code " +
-                                                   std::to_string(applicationsCode) + ", not " +
-                                                   std::to_string(expectedCode()));
+    _report.end(applicationsCode, _launches,
+                isExpected ? ""
+                           : "the application ended with code " + std::to_string(applicationsCode) +
+                                 ", not " + std::to_string(expectedCode()));
     return _stepsCode != EXIT_HELD || isExpected ? _stepsCode : static_cast<int>(EXIT_REFUSED);
 }
 
@@ -118,7 +134,7 @@ int ScenarioSession::expectedCode() const
 
 bool ScenarioSession::isOurSignal(int signal) const
 {
-    return _hasEndedStranger && (signal == SIGTERM || signal == SIGKILL);
+    return _hasStopped && _launches == 0 && (signal == SIGTERM || signal == SIGKILL);
 }
 
 bool ScenarioSession::isCrash(int code) const

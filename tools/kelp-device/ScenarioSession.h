@@ -5,6 +5,7 @@
 #include "ScenarioReport.h"
 #include "device/Device.h"
 
+#include <functional>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -43,7 +44,8 @@ public:
 
 private:
     void release();
-    void start();
+    void start(); // throws std::future_error where the application does not start
+    void post(std::function<void(device::Device &)> task);
     void breakOff(const std::string &why);
     void drive(const std::string &deviceDirectory, device::Duration grace);
     bool isCrash(int code) const;
@@ -56,8 +58,9 @@ private:
     device::Device *_device = nullptr; // null: not yet, or no more
     device::Launch _launch;
     std::thread _thread;
-    int _stepsCode = 0;             // the thread's, until it is joined, as is
-    bool _hasEndedStranger = false; // see ScenarioRunner
+    std::size_t _launches = 0; // of applications, once the device has run
+    int _stepsCode = 0;        // the thread's, until it is joined, as is
+    bool _hasStopped = false;  // see ScenarioRunner
 };
 
 } // namespace kelp::tool

@@ -5,6 +5,9 @@
 
 #include "TextTable.h"
 
+#include <cstdint>
+#include <optional>
+
 namespace kelp::tool {
 
 namespace {
@@ -38,18 +41,27 @@ bool isEqual(const Json &value, const std::string &text)
     return value.is_string() ? value.get<std::string>() == text : value == Json::parse(text, nullptr, false);
 }
 
-// An attribute; or, of an application, a value of its main window group. Null: there is none.
-const Json *find(const Json &attributes, const std::string &name)
+// A member of what may be no object; null: there is none.
+const Json *find(const Json &json, const std::string &name)
 {
-    if (const auto found = attributes.find(name); found != attributes.end()) {
-        return &*found;
+    const auto found = json.find(name);
+    return found == json.end() ? nullptr : &*found;
+}
+
+// An application's attributes with those of its main window group, and the screen's angle.
+Json stateOf(const Json &application, const Objects &objects)
+{
+    Json state = Json::object();
+    const Json *groups = find(application, "windowGroups");
+    if (groups && groups->is_array() && !groups->empty() && groups->front().is_object()) {
+        state = groups->front();
     }
-    const auto groups = attributes.find("windowGroups");
-    if (groups == attributes.end() || !groups->is_array() || groups->empty()) {
-        return nullptr;
+    state.update(application);
+    const auto screen = objects.find(SCREEN);
+    if (const Json *angle = screen == objects.end() ? nullptr : find(screen->second, "angle")) {
+        state["angle"] = *angle;
     }
-    const auto found = groups->front().find(name);
-    return found == groups->front().end() ? nullptr : &*found;
+    return state;
 }
 
 Verdict judgeValues(const std::vector<Condition::Value> &values, const Json &attributes)
@@ -96,26 +108,30 @@ Verdict judgeApplication(const Condition &condition, const Objects &objects)
     if (condition.application.empty() && applications.size() > 1) {
         return instead("several applications run, say which one with --app: " + ids);
     }
-    Json state = *found->second;
-    if (const auto screen = objects.find(SCREEN); screen != objects.end()) {
-        state["angle"] = screen->second.value("angle", Json());
-    }
-    return judgeValues(condition.values, state);
+    return judgeValues(condition.values, stateOf(*found->second, objects));
+}
+
+// Nothing: there is no such number.
+std::optional<std::int64_t> countIn(const Json *counts, const std::string &name)
+{
+    const Json *count = counts ? find(*counts, name) : nullptr;
+    return count && count->is_number_integer() ? std::optional(count->get<std::int64_t>()) : std::nullopt;
 }
 
 Verdict judgeRequest(const Condition &condition, const Objects &objects)
 {
     const auto requests = objects.find(REQUESTS);
-    if (requests == objects.end() || !requests->second.contains(condition.subject)) {
+    const Json *counts = requests == objects.end() ? nullptr : find(requests->second, condition.subject);
+    const auto made = countIn(counts, "made");
+    const auto refused = countIn(counts, "refused");
+    if (!made || !refused) {
         return instead("the device counts no requests: it is of another release");
     }
-    const Json &counts = requests->second.at(condition.subject);
-    const auto made = counts.value("made", 0U);
-    const auto refused = counts.value("refused", 0U);
-    if ((condition.kind == Kind::Request ? made : refused) >= condition.count) {
+    if ((condition.kind == Kind::Request ? *made : *refused) >= condition.count) {
         return held();
     }
-    return instead("made " + std::to_string(made) + " times, refused " + std::to_string(refused) + " times");
+    return instead("made " + std::to_string(*made) + " times, refused " + std::to_string(*refused) +
+                   " times");
 }
 
 Verdict judgeObject(const Condition &condition, const Objects &objects)

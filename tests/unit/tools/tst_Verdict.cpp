@@ -15,8 +15,16 @@ const Objects ONE = {
     {"/services/navigator/a",
      {{"processState", "foreground"},
       {"closePrompt", false},
+      {"rotation", "turning"},
       {"windowGroups", {{{"windowState", "thumbnail"}, {"active", false}}, {{"windowState", "invisible"}}}}}},
-    {"/b", {{"n", 1.5}, {"s", "1.5"}, {"j", {{"k", {1, 2}}}}, {"t", "\x1b[2J"}}},
+    {"/b",
+     {{"n", 1.5},
+      {"s", "1.5"},
+      {"j", {{"k", {1, 2}}}},
+      {"t", "\x1b[\xc2\x9b"
+            "2J\xe2\x80\xae\x80\xf0\xd8\x9c\xc3\xa9"},
+      {"l", std::string(300, 'x')},
+      {"windowGroups", {{{"active", true}}}}}},
 };
 
 struct Row {
@@ -41,6 +49,7 @@ TEST(Verdict, tellsOfTheOnlyApplicationWithItsMainGroup)
     expectVerdicts(ONE,
                    {
                        {{"processState=foreground", "windowState=thumbnail", "active=false", "angle=90"}, ""},
+                       {{"rotation=turning"}, ""},
                        {{"windowState=fullscreen", "closePrompt=false", "active=true"},
                         "windowState is thumbnail, active is false"},
                        {{"badge=splat"}, "there is no badge"},
@@ -80,11 +89,27 @@ TEST(Verdict, countsRequestsAndComparesValues)
                             {{"pps", "/b"}, ""},
                             {{"pps", "/b", "n=1.50", "s=1.5", "j={\"k\": [1,2]}"}, ""},
                             {{"pps", "/b", "s=1.50", "n=x", "x="}, "s is 1.5, n is 1.5, there is no x"},
-                            {{"pps", "/b", "t="}, "t is ?[2J"},
+                            {{"pps", "/b", "t="}, "t is \ufffd[\ufffd2J\ufffd\ufffd\ufffd\ufffd\u00e9"},
+                            {{"pps", "/b", "l="}, "l is " + std::string(300, 'x')},
+                            {{"pps", "/b", "active=true"}, "there is no active"},
                             {{"pps", "/c"}, "there is no object /c"},
                             {{"no-pps", "/c"}, ""},
                             {{"no-pps", "/b"}, "there is /b"},
                         });
+}
+
+TEST(Verdict, takesAnyTypesThatAnObjectMayHave)
+{
+    const std::string noCounts = "the device counts no requests: it is of another release";
+    expectVerdicts({{"/services/deviceproperties", {{"width", 1}}},
+                    {"/services/navigator-requests", {{"set-badge", 5}, {"close-window", {{"made", "x"}}}}},
+                    {"/services/navigator/a", {{"processState", 5}, {"windowGroups", {5}}}}},
+                   {
+                       {{"processState=foreground"}, "processState is 5"},
+                       {{"active=true", "angle=0"}, "there is no active, there is no angle"},
+                       {{"request", "set-badge"}, noCounts},
+                       {{"refused", "close-window"}, noCounts},
+                   });
 }
 
 } // namespace kelp::tool
