@@ -2,7 +2,7 @@
 # How a test is made known to CTest: with its labels, a bound on its time and the thread sanitizer's suppressions.
 include_guard()
 
-# The programs of all tests labelled "thread": what a build for the thread sanitizer needs at least.
+# The programs of all tests labelled "thread".
 if(NOT TARGET thread-tests)
     add_custom_target(thread-tests)
 endif()
