@@ -12,10 +12,8 @@
 
 #include <algorithm>
 #include <atomic>
-#include <climits>
 #include <cstring>
 #include <memory>
-#include <new>
 #include <numeric>
 #include <thread>
 #include <vector>
@@ -25,52 +23,7 @@ using kelp::PixelFormat;
 
 namespace {
 
-bool s_isMemoryGone = false;
-std::size_t s_wanted = 0; // by the last allocation, in bytes
-
-} // namespace
-
-// In place of the one that images get their pixels from.
-void *operator new[](std::size_t size, const std::nothrow_t &) noexcept
-{
-    if (s_isMemoryGone) {
-        s_wanted = size;
-        return nullptr;
-    }
-    return ::operator new[](size);
-}
-
-namespace {
-
-const char FORMAT[] = "warning: ImageData: invalid pixel format";
-const char DIMENSIONS[] = "warning: ImageData: Could not allocate - invalid dimensions";
-const char MEMORY[] = "warning: ImageData: Could not allocate";
-
 const PixelFormat::Type UNKNOWN = PixelFormat::Type(5);
-
-// What becomes of an image, and of a shared copy that is asked for writable pixels, when there is no memory.
-const struct {
-    const char *name;
-    PixelFormat::Type format;
-    int width;
-    int height;
-    int bytesPerLine;
-    std::size_t wanted;
-    QStringList warnings;
-    QStringList whenDetached;
-} ROWS[] = {
-    {"one pixel", PixelFormat::RGBX, 1, 1, 4, 4, {MEMORY}, {MEMORY}},
-    {"no width", PixelFormat::RGBX, 0, 10, 0, 0, {DIMENSIONS}, {DIMENSIONS}},
-    {"no height", PixelFormat::RGBX, 10, 0, 40, 0, {DIMENSIONS}, {DIMENSIONS}},
-    {"negative", PixelFormat::RGBX, -5, -5, -20, 0, {DIMENSIONS}, {DIMENSIONS}},
-    {"negative, 32 bits", PixelFormat::RGBX, -1000000000, INT_MAX, 294967296, 0, {DIMENSIONS}, {DIMENSIONS}},
-    {"widest", PixelFormat::RGBA_Premultiplied, 536870911, 1, 2147483644, 2147483644, {MEMORY}, {MEMORY}},
-    {"too wide", PixelFormat::RGBA_Premultiplied, 536870912, 1, 0, 0, {DIMENSIONS}, {DIMENSIONS}},
-    {"highest", PixelFormat::RGBX, 1, 536870911, 4, 2147483644, {MEMORY}, {MEMORY}},
-    {"too high", PixelFormat::RGBX, 1, 536870912, 4, 0, {DIMENSIONS}, {DIMENSIONS}},
-    {"32 bits are few", PixelFormat::RGBX, 100000, 100000, 400000, 0, {DIMENSIONS}, {DIMENSIONS}},
-    {"format", UNKNOWN, 10, 10, 0, 0, {FORMAT, DIMENSIONS, FORMAT}, {DIMENSIONS}},
-};
 
 // Images of 2 times 3 pixels out of bytes that count from 0, and the first byte of each row.
 const struct {
@@ -131,48 +84,8 @@ private Q_SLOTS:
 
     void cleanup()
     {
-        s_isMemoryGone = false;
         QCOMPARE(_messages->take(), QStringList());
         _messages.reset();
-    }
-
-    void whatCannotBeAllocatedWarnsAndKeepsItsFields()
-    {
-        s_isMemoryGone = true;
-        for (const auto &row : ROWS) {
-            s_wanted = 0;
-            const ImageData image(row.format, row.width, row.height);
-            QVERIFY2(_messages->take() == row.warnings, row.name);
-            QVERIFY2(s_wanted == row.wanted, row.name);
-
-            ImageData copy = image;
-            QVERIFY2(!copy.pixels() && !copy.pixels(), row.name); // shared the first time only
-            QVERIFY2(_messages->take() == row.whenDetached, row.name);
-            for (const ImageData &each : {image, copy}) {
-                QVERIFY2(!each.isValid() && !each.pixels(), row.name);
-                QVERIFY2(each.width() == row.width && each.height() == row.height, row.name);
-                QVERIFY2(each.bytesPerLine() == row.bytesPerLine && each.format() == row.format, row.name);
-            }
-        }
-    }
-
-    void memoryThatIsGoneMayComeBack()
-    {
-        const unsigned char black[4] = {};
-        s_isMemoryGone = true;
-        QVERIFY(!ImageData::fromPixels(black, PixelFormat::RGBX, 1, 1, 4).isValid());
-        const ImageData image(PixelFormat::RGBX, 1, 1);
-        ImageData copy = image;
-        s_isMemoryGone = false;
-        fill(copy, 1);
-        QVERIFY(copy.isValid() && !image.isValid());
-        QCOMPARE(_messages->take(), QStringList({MEMORY, MEMORY}));
-
-        ImageData another = copy;
-        s_isMemoryGone = true;
-        QVERIFY(!another.pixels());
-        QVERIFY(isFilled(copy, 1));
-        QCOMPARE(_messages->take(), QStringList({MEMORY}));
     }
 
     void rowsAreReadWhereTheSourceHasThem()

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What texts decode to, which are refused, and the walk over the tree.
 
-#include "FailingMemory.h"
+#include "tests/unit/FailingMemory.h"
 #include "Tree.h"
 
 #include <gtest/gtest.h>

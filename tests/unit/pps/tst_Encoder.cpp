@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What the encoder writes, what it refuses, and that a refusal leaves no trace.
 
-#include "FailingMemory.h"
+#include "tests/unit/FailingMemory.h"
 #include "Tree.h"
 
 #include <pps/pps.h>

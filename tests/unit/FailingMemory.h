@@ -1,26 +1,37 @@
 // SPDX-License-Identifier: Apache-2.0
-// While one exists, there is no memory for those who ask without exceptions, as the codec does. Replaces the
-// operators of the program, so that one source file of each program includes it.
+// While one exists, there is no memory for those who ask without exceptions, as the codec and images do. Replaces the
+// operators of the program, so that one source file of each program includes it; see KELP_HAS_OPERATORS.
 #pragma once
 
 #include <cerrno>
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 class FailingMemory
 {
 public:
     FailingMemory() { s_isFailing = true; }
     ~FailingMemory() { s_isFailing = false; }
+    FailingMemory(const FailingMemory &) = delete;
+    FailingMemory &operator=(const FailingMemory &) = delete;
+
+    // Of the last one that was refused, in bytes; 0: none has been since this was asked.
+    static std::size_t takeRefused() { return std::exchange(s_refused, 0); }
 
     static void *allocate(std::size_t size)
     {
-        errno = s_isFailing ? ENOMEM : errno;
-        return s_isFailing ? nullptr : std::malloc(size);
+        if (!s_isFailing) {
+            return std::malloc(size);
+        }
+        s_refused = size;
+        errno = ENOMEM;
+        return nullptr;
     }
 
 private:
     static inline bool s_isFailing = false;
+    static inline std::size_t s_refused = 0;
 };
 
 // Not inlined: g++ would see one of a pair without the other, and warn.
