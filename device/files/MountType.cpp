@@ -13,8 +13,9 @@ namespace {
 
 // Also with a dot and a name behind it. "fuseblk" is not among them: it lies on a local disk.
 constexpr std::string_view MAY_NOT_ANSWER[] = {
-    "9p",        "afs",    "autofs", "ceph", "cifs",     "coda", "davfs", "fuse",
-    "glusterfs", "lustre", "nfs",    "nfs4", "orangefs", "smb3", "smbfs",
+    "9p",     "afs",  "autofs",    "beegfs", "ceph",     "cifs",   "coda",  "davfs",
+    "fuse",   "gfs2", "glusterfs", "lustre", "nfs",      "nfs4",   "ocfs2", "orangefs",
+    "prl_fs", "smb3", "smbfs",     "vboxsf", "virtiofs", "vmhgfs",
 };
 
 // The number of the mount on which the descriptor lies; empty: it cannot be told.
@@ -32,9 +33,9 @@ std::string mountId(int descriptor)
 }
 
 // A line: "36 35 98:0 /root /mount rw,noatime master:1 - ext4 /dev/root rw". Blanks in paths are escaped.
-std::string typeIn(const std::string &mounts, const std::string &id)
+std::string typeOf(const std::string &id)
 {
-    std::ifstream lines(mounts);
+    std::ifstream lines("/proc/self/mountinfo");
     for (std::string line; std::getline(lines, line);) {
         const std::size_t mark = line.find(" - ");
         if (line.starts_with(id + ' ') && mark != std::string::npos) {
@@ -48,14 +49,10 @@ std::string typeIn(const std::string &mounts, const std::string &id)
 
 } // namespace
 
-std::string mountType(int descriptor, int processId)
+std::string mountType(int descriptor)
 {
     const std::string id = mountId(descriptor);
-    if (id.empty()) {
-        return {};
-    }
-    const std::string type = typeIn("/proc/self/mountinfo", id);
-    return type.empty() ? typeIn("/proc/" + std::to_string(processId) + "/mountinfo", id) : type;
+    return id.empty() ? id : typeOf(id);
 }
 
 bool mayNotAnswer(std::string_view type)

@@ -137,10 +137,10 @@ FileReading readFileOfProcess(int processId, const std::string &name, std::size_
     if (!directory) {
         return withoutDirectory(errno);
     }
-    const std::string type = mountType(directory.get(), processId);
+    const std::string type = mountType(directory.get());
     if (type.empty() || mayNotAnswer(type)) {
         return problem("is not looked for: the working directory lies on " +
-                       (type.empty() ? "a file system that no list of mounts has"
+                       (type.empty() ? "a mount that only the process sees"
                                      : "a file system that need not answer (" + type + ')'));
     }
     const link::UniqueFd found = findBelow(directory, name);

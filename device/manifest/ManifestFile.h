@@ -14,9 +14,9 @@ struct ManifestReading {
     std::string problem; // why it is not used; empty: it is, or there is none
 };
 
-// Reads "app/META-INF/MANIFEST.MF" below the process's working directory, at most 1 MiB. Nobody waits, whatever the
-// process has put there: the file is not looked for where the directory lies on a network's or a program's file system, and
-// not followed to anything but a regular file below the directory. That is a problem, as is a file that may not be read.
+// Reads "app/META-INF/MANIFEST.MF" below the process's working directory, at most 1 MiB. So that nobody waits, whatever the
+// process has put there, the file is not looked for where the directory lies on a network's or a program's file system, or
+// on a mount that only the process sees, and not followed to anything but a regular file below the directory. That is a problem, as is a file that may not be read.
 // A process that is gone or cannot be seen from here, or pid 0, has none.
 ManifestReading readManifest(pid_t pid);
 

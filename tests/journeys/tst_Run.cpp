@@ -128,8 +128,8 @@ TEST_F(Run, RefusesWrongUsage)
 TEST_F(Run, BoundsWhatItsClientsTakeUp)
 {
     const Result result = Command::run(
-        runOf({"sh", "-c", "printf 'v::%2000s\\n' x | \"$0\" pps set --raw /a", KELP_DEVICE_PROGRAM},
-              {"--limit", "descriptors=8", "--limit", "object-bytes=1024"}));
+        runOf({"sh", "-c", "printf 'v::%20000s\\n' x | \"$0\" pps set --raw /a", KELP_DEVICE_PROGRAM},
+              {"--limit", "descriptors=8", "--limit", "object-bytes=16384"}));
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_NE(result.errors.find("larger than the device's largest object"), std::string::npos)
         << result.errors;

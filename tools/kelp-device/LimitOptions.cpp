@@ -12,40 +12,24 @@ namespace kelp::tool {
 
 namespace {
 
+// A bound of the store or of the doors. The least ones leave room for what the device and its commands do themselves.
 struct LimitSpec {
     std::string_view name;
     std::size_t least;
     std::size_t most;
-    std::size_t &(*field)(device::DeviceOptions &options);
+    std::size_t device::StoreLimits::*ofStore;
+    std::size_t device::DoorLimits::*ofDoors;
 };
 
-using Options = device::DeviceOptions;
-
 constexpr LimitSpec LIMITS[] = {
-    {"objects", 16, 10000000, [](Options &options) -> auto &{return options.storeLimits.objects;
-} // namespace
-} // namespace kelp::tool
-, {"object-bytes", 1024, 16777216, [](Options &options) -> auto &{return options.storeLimits.objectBytes;
-}
-}
-, {"queued-messages", 1, 65536, [](Options &options) -> auto &{return options.storeLimits.queuedMessages;
-}
-}
-, {"queued-bytes", 1024, 1073741824, [](Options &options) -> auto &{return options.storeLimits.queuedBytes;
-}
-}
-, {"descriptors", 1, 65536, [](Options &options) -> auto &{return options.limits.descriptorsPerProcess;
-}
-}
-, {"connections", 1, 65536, [](Options &options) -> auto &{return options.limits.connections;
-}
-}
-, {"unread-events", 1, 1048576, [](Options &options) -> auto &{return options.limits.eventBacklog;
-}
-}
-,
-}
-;
+    {"objects", 16, 10000000, &device::StoreLimits::objects, nullptr},
+    {"object-bytes", 16384, 16777216, &device::StoreLimits::objectBytes, nullptr},
+    {"queued-messages", 1, 65536, &device::StoreLimits::queuedMessages, nullptr},
+    {"queued-bytes", 1024, 1073741824, &device::StoreLimits::queuedBytes, nullptr},
+    {"descriptors", 1, 65536, nullptr, &device::DoorLimits::descriptorsPerProcess},
+    {"connections", 8, 65536, nullptr, &device::DoorLimits::connections},
+    {"unread-events", 64, 1048576, nullptr, &device::DoorLimits::eventBacklog},
+};
 
 struct Limit {
     const LimitSpec *spec;
@@ -87,8 +71,11 @@ std::string checkLimit(const std::string &setting)
 void applyLimits(const std::vector<std::string> &settings, device::DeviceOptions &options)
 {
     for (const std::string &setting : settings) {
-        if (const auto limit = parseLimit(setting)) {
-            limit->spec->field(options) = limit->value;
+        const auto limit = parseLimit(setting);
+        if (limit && limit->spec->ofStore) {
+            options.storeLimits.*limit->spec->ofStore = limit->value;
+        } else if (limit) {
+            options.limits.*limit->spec->ofDoors = limit->value;
         }
     }
 }

@@ -92,7 +92,8 @@ PLATFORM_EXPORT int navigator_get_domain(void);
 /* Asks for the navigator's events on the calling thread's queue, until navigator_stop_events() or the thread's last
  * tarn_shutdown(). The first request of a process makes it an application: its launch events follow at once.
  * Repeating the call changes nothing: no event comes twice. A further thread, or one that asks again after it had
- * stopped, is told the present state, and, where the application has been told of a rotation, its size and angle.
+ * stopped, is told the present state, and, where the application has been told of a rotation, its size and angle; of one
+ * that is over, NAVIGATOR_ORIENTATION_DONE follows, and there is nothing to report.
  * flags: 0 or NAVIGATOR_EVENTS_EXTENDED; EINVAL for other bits, and where the thread has not called
  * tarn_initialize(). When the device goes away the request ends with it: call again once a device runs. */
 PLATFORM_EXPORT int navigator_request_events(int flags);

@@ -166,10 +166,35 @@ TEST(ManifestFile, aFileSystemThatDoesNotAnswerHoldsUpNobody)
     EXPECT_EQ(status, 0);
 }
 
+TEST(ManifestFile, mountsThatOnlyTheProcessSeesAreNotReliedOn)
+{
+    int ready[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const bool isPrivate = ::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0 && ::chdir("/tmp") == 0;
+        (void)!::write(ready[1], isPrivate ? "y" : "n", 1);
+        (void)::pause();
+    }
+    char answer = 0;
+    ASSERT_EQ(::read(ready[0], &answer, 1), 1);
+
+    const std::string problem = readManifest(child).problem;
+
+    (void)::kill(child, SIGKILL);
+    (void)::waitpid(child, nullptr, 0);
+    ::close(ready[0]);
+    ::close(ready[1]);
+    if (answer != 'y') {
+        GTEST_SKIP() << "this user cannot make namespaces";
+    }
+    EXPECT_NE(problem.find("a mount that only the process sees"), std::string::npos) << problem;
+}
+
 TEST(MountType, isReadWithoutAskingTheFileSystem)
 {
     const link::UniqueFd processes(::open("/proc", O_PATH | O_CLOEXEC));
-    EXPECT_EQ(mountType(processes.get(), ::getpid()), "proc");
+    EXPECT_EQ(mountType(processes.get()), "proc");
     EXPECT_TRUE(mayNotAnswer("fuse.sshfs") && mayNotAnswer("nfs4"));
     EXPECT_FALSE(mayNotAnswer("fuseblk") || mayNotAnswer("overlay"));
 }
