@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // What texts decode to, which are refused, and the walk over the tree.
 
-#include "tests/unit/FailingMemory.h"
 #include "Tree.h"
+#include "tests/unit/FailingMemory.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // What the encoder writes, what it refuses, and that a refusal leaves no trace.
 
-#include "tests/unit/FailingMemory.h"
 #include "Tree.h"
+#include "tests/unit/FailingMemory.h"
 
 #include <pps/pps.h>
 
